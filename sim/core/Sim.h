@@ -1,0 +1,117 @@
+// State of one simulated board library: its board, faults and call log, and
+// the Call helper through which every library function runs.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Board.h"
+
+namespace vorasim {
+
+// Identity of the simulated library the core is linked into; each library
+// defines it.
+struct LibraryInfo {
+    const char* name;            // "libVORA-4.00"
+    const char* defaultProfile;  // built-in board profile (JSON text)
+};
+const LibraryInfo& ThisLibrary();
+
+class Sim {
+public:
+    // The library's state. The first use reads the profile named by
+    // VORA_SIM_BOARD, or the built-in one.
+    static Sim& get();
+
+    Board& board() { return board_; }
+    // False when the profile given at start-up could not be used; the
+    // library's initialise then fails.
+    bool usable() const { return usable_; }
+
+    // Replaces board and faults; on error keeps them and returns false.
+    bool loadText(const std::string& text, const std::string& origin);
+    bool loadFile(const std::string& path);
+    bool addFault(const std::string& text);
+    void clearFaults() { faults_.clear(); }
+
+    // The fault for this call, if any; a fault limited to a number of calls
+    // is used up here.
+    std::optional<Fault> takeFault(const char* function, std::optional<uint32_t> key);
+
+    void logEnable(bool on) { logging_ = on; }
+    void log(std::string line);
+    const std::string& logText();
+    void clearLog() { log_.clear(); }
+
+    const std::string& lastError() const { return lastError_; }
+
+    // A sensor's value now, with its wave when it has one. The clock is
+    // seconds since start-up, or VORA_SIM_TIME when that is set.
+    double sensorValue(const Sensor& sensor) const;
+
+private:
+    Sim();
+
+    Board board_;
+    std::vector<Fault> faults_;
+    bool usable_ = true;
+    bool logging_ = false;
+    std::vector<std::string> log_;
+    std::string logText_;
+    std::string lastError_;
+    double start_ = 0.0;
+};
+
+// One call of a library function: recorded in the call log when it ends, and
+// matched against the faults when it starts.
+class Call {
+public:
+    explicit Call(const char* function);
+    Call(const char* function, uint32_t key);
+    ~Call();
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+    // Adds "name=0x..." to the call's log line.
+    Call& note(const char* name, uint32_t value);
+    // Adds "name=text" to the call's log line.
+    Call& noteText(const char* name, const std::string& text);
+
+    Board& board() { return sim_.board(); }
+    Sim& sim() { return sim_; }
+    const std::optional<Fault>& fault() const { return fault_; }
+
+    // True when a fault makes the call return status() at once, untouched.
+    bool failsNow() const { return fault_ && fault_->statusOnly(); }
+    uint32_t status() const { return *fault_->status; }
+
+    // The call's result: the fault's status when it has one, else `normal`.
+    uint32_t result(uint32_t normal) const {
+        return fault_ && fault_->status ? *fault_->status : normal;
+    }
+
+    // Writes `normal` to an output, or the fault's value; null is skipped.
+    template <typename T>
+    void out(T* output, T normal) const {
+        if (output != nullptr) {
+            *output = fault_ && fault_->value ? static_cast<T>(*fault_->value) : normal;
+        }
+    }
+
+    // Copies a text into a caller's buffer of `*length` bytes. Success sets
+    // `*length` to the text's length (with the terminator when
+    // `countTerminator`) and returns `ok`. A buffer too small (or null) gets
+    // the text cut to fit, `*length` the size needed, and `more`. Faults may
+    // leave the text unterminated or report another length.
+    uint32_t text(const std::string& text, char* buffer, unsigned int* length, uint32_t ok,
+                  uint32_t more, bool countTerminator = false) const;
+
+private:
+    Sim& sim_;
+    std::string line_;
+    std::optional<Fault> fault_;
+};
+
+}  // namespace vorasim
