@@ -1,0 +1,195 @@
+#include "SimHarness.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+#include "vorasim.h"
+
+namespace vtest {
+
+namespace {
+
+const char* const kProbeDirs[] = {"/usr/lib", "/usr/lib64"};
+const char* const kLibraries[] = {"libVORA-4.00", "libVORA-3.02", "libEApi"};
+
+std::vector<std::string>& TempFiles() {
+    static std::vector<std::string> files;
+    static const bool cleanup = [] {
+        std::atexit([] {
+            for (const std::string& f : TempFiles()) {
+                ::unlink(f.c_str());
+            }
+        });
+        return true;
+    }();
+    (void)cleanup;
+    return files;
+}
+
+}  // namespace
+
+const char* LibraryName(Generation generation) {
+    return kLibraries[static_cast<int>(generation)];
+}
+
+std::string SimLibraryPath(Generation generation) {
+    return std::string(VTEST_SIM_DIR) + "/" + LibraryName(generation) + ".so";
+}
+
+void Redirect(std::initializer_list<std::pair<std::string, std::string>> present) {
+    std::string list;
+    for (const char* library : kLibraries) {
+        for (const char* dir : kProbeDirs) {
+            const std::string probed = std::string(dir) + "/" + library + ".so";
+            std::string target;
+            for (const auto& p : present) {
+                if (p.first == probed) {
+                    target = p.second;
+                }
+            }
+            list += (list.empty() ? "" : ":") + probed + "=" + target;
+        }
+    }
+    ASSERT_EQ(0, ::setenv("VORA_REDIRECT", list.c_str(), 1));
+}
+
+void UseSimulator(Generation generation, const std::string& profile, const std::string& dir) {
+    Redirect({{dir + "/" + LibraryName(generation) + ".so", SimLibraryPath(generation)}});
+    // Sensor waves stand still at their profile values.
+    ASSERT_EQ(0, ::setenv("VORA_SIM_TIME", "0", 1));
+    if (!profile.empty()) {
+        ASSERT_EQ(0, ::setenv("VORA_SIM_BOARD", WriteTempFile(profile).c_str(), 1));
+    }
+}
+
+void HideSymbols(const std::string& names) {
+    ASSERT_EQ(0, ::setenv("VORA_HIDE_SYMBOLS", names.c_str(), 1));
+}
+
+std::string WriteTempFile(const std::string& json) {
+    char path[] = "/tmp/voradrv-test-XXXXXX";
+    const int fd = ::mkstemp(path);
+    EXPECT_GE(fd, 0);
+    if (fd >= 0) {
+        EXPECT_EQ(static_cast<ssize_t>(json.size()), ::write(fd, json.data(), json.size()));
+        ::close(fd);
+        TempFiles().push_back(path);
+    }
+    return path;
+}
+
+SimControl::SimControl(Generation generation)
+    : handle_(::dlopen(SimLibraryPath(generation).c_str(), RTLD_LAZY | RTLD_GLOBAL)) {
+    if (handle_ == nullptr) {
+        ADD_FAILURE() << "cannot load the simulator: " << ::dlerror();
+    }
+}
+
+void* SimControl::symbol(const char* name) const {
+    void* address = handle_ == nullptr ? nullptr : ::dlsym(handle_, name);
+    if (address == nullptr) {
+        ADD_FAILURE() << "simulator lacks " << name;
+    }
+    return address;
+}
+
+std::string SimControl::loadProfileError(const std::string& json) {
+    auto load = reinterpret_cast<decltype(&vorasim_load_profile)>(symbol("vorasim_load_profile"));
+    auto error = reinterpret_cast<decltype(&vorasim_last_error)>(symbol("vorasim_last_error"));
+    if (load == nullptr || error == nullptr) {
+        return "no simulator";
+    }
+    return load(json.c_str()) == 0 ? "" : error();
+}
+
+void SimControl::loadProfile(const std::string& json) {
+    const std::string error = loadProfileError(json);
+    EXPECT_EQ("", error) << "profile refused";
+}
+
+void SimControl::addFault(const std::string& json) {
+    auto add = reinterpret_cast<decltype(&vorasim_add_fault)>(symbol("vorasim_add_fault"));
+    auto error = reinterpret_cast<decltype(&vorasim_last_error)>(symbol("vorasim_last_error"));
+    if (add != nullptr && add(json.c_str()) != 0) {
+        ADD_FAILURE() << "fault refused: " << error();
+    }
+}
+
+void SimControl::clearFaults() {
+    auto clear = reinterpret_cast<decltype(&vorasim_clear_faults)>(symbol("vorasim_clear_faults"));
+    if (clear != nullptr) {
+        clear();
+    }
+}
+
+void SimControl::startLog() {
+    auto enable = reinterpret_cast<decltype(&vorasim_log_enable)>(symbol("vorasim_log_enable"));
+    if (enable != nullptr) {
+        enable(1);
+    }
+}
+
+std::string SimControl::log() {
+    auto text = reinterpret_cast<decltype(&vorasim_call_log)>(symbol("vorasim_call_log"));
+    return text == nullptr ? "" : text();
+}
+
+void SimControl::clearLog() {
+    auto clear = reinterpret_cast<decltype(&vorasim_clear_log)>(symbol("vorasim_clear_log"));
+    if (clear != nullptr) {
+        clear();
+    }
+}
+
+int SimControl::count(const std::string& prefix) {
+    const std::string text = log();
+    int n = 0;
+    size_t start = 0;
+    while (start < text.size()) {
+        const size_t end = text.find('\n', start);
+        if (text.compare(start, prefix.size(), prefix) == 0) {
+            ++n;
+        }
+        start = end == std::string::npos ? text.size() : end + 1;
+    }
+    return n;
+}
+
+StdoutCapture::StdoutCapture() {
+    std::fflush(stdout);
+    char path[] = "/tmp/voradrv-stdout-XXXXXX";
+    file_ = ::mkstemp(path);
+    ::unlink(path);
+    saved_ = ::dup(1);
+    ::dup2(file_, 1);
+}
+
+StdoutCapture::~StdoutCapture() { finish(); }
+
+std::string StdoutCapture::finish() {
+    if (saved_ < 0) {
+        return "";
+    }
+    std::fflush(stdout);
+    ::dup2(saved_, 1);
+    ::close(saved_);
+    saved_ = -1;
+    std::string text;
+    char chunk[4096];
+    ::lseek(file_, 0, SEEK_SET);
+    ssize_t n;
+    while ((n = ::read(file_, chunk, sizeof chunk)) > 0) {
+        text.append(chunk, static_cast<size_t>(n));
+    }
+    ::close(file_);
+    file_ = -1;
+    return text;
+}
+
+}  // namespace vtest
