@@ -1,0 +1,54 @@
+#include "FuncINFO.h"
+
+#include <cstdio>
+
+#include "function/Family.h"
+#include "info/Vora4INFO.h"
+#include "module/Status.h"
+
+Function* FuncINFO::instance() {
+    static Function* remembered = nullptr;
+    return voradrv::CreateForLibrary<Vora4INFO, void, void>(remembered);
+}
+
+FuncINFO::FuncINFO() : Function(0x1010000, "Platform Information") {}
+
+// The package is released here, once, for every implementation.
+FuncINFO::~FuncINFO() {
+    if (package != nullptr) {
+        json_object_clear(package);
+        json_decref(package);
+    }
+}
+
+uint32_t FuncINFO::VoraIoTInitialize() {
+    json_t* array = json_array();
+    createIPSOInfoPackage(array);
+    if (!json_is_array(array) || json_array_size(array) == 0) {
+        std::puts("VORADrv Info init: json_pack array failed");
+        json_decref(array);
+        return STATUS_ERROR;
+    }
+    if (package != nullptr) {
+        json_decref(package);
+    }
+    package = IPSO_Capability_Packager(array, name.c_str(), "info", kBaseTime, kLayoutVersion,
+                                       static_cast<int>(getClassID()));
+    if (package == nullptr || !json_is_object(package) || json_object_size(package) == 0) {
+        std::puts("VORADrv Info init: IPSO Json_pack array failed");
+        return STATUS_ERROR;
+    }
+    return STATUS_SUCCESS;
+}
+
+uint32_t FuncINFO::VoraIoTUninitialize() { return STATUS_SUCCESS; }
+
+uint32_t FuncINFO::VoraIoTGetMDCapability(json_t* capability) {
+    return voradrv::MergeCapability(
+        package, capability,
+        "VORADrv Info Get Cap: unable to update an emtpy object with an empty object");
+}
+
+uint32_t FuncINFO::VoraIoTSetMDEventHandler(VoraIoTEventHandler) { return STATUS_SUCCESS; }
+
+void FuncINFO::createIPSOInfoPackage(json_t*) {}

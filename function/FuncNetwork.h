@@ -1,0 +1,23 @@
+// FuncNetwork: the out-of-band management network family. It exists only with the fourth-generation library.
+#pragma once
+
+#include "function/GroupFamily.h"
+
+class FuncNetwork : public GroupFamily {
+public:
+    struct Network : GroupRecord {
+        using GroupRecord::GroupRecord;
+    };
+
+    // The block of this family for the board library that is up.
+    static Function* instance();
+
+    // Appends one Network per capability group to items.
+    virtual void createIPSONetworkPackage();
+
+protected:
+    FuncNetwork();
+
+private:
+    void buildPackage() override { createIPSONetworkPackage(); }
+};
