@@ -1,0 +1,64 @@
+#include "Format.h"
+
+#include <cstdio>
+
+#include "voradrv.h"
+
+namespace voractl {
+
+std::string StatusText(uint32_t status) {
+    const char* name;
+    switch (status) {
+        case VORADRV_STATUS_SUCCESS: name = "success"; break;
+        case VORADRV_STATUS_UNSUPPORTED: name = "unsupported"; break;
+        case VORADRV_STATUS_NOT_FOUND: name = "not found"; break;
+        case VORADRV_STATUS_READ_ERROR: name = "read error"; break;
+        case VORADRV_STATUS_MORE_DATA: name = "more data"; break;
+        case VORADRV_STATUS_INVALID_VALUE: name = "invalid value"; break;
+        case VORADRV_STATUS_ERROR: name = "error"; break;
+        case VORADRV_STATUS_ALREADY_INITIALIZED: name = "already initialized"; break;
+        case VORADRV_STATUS_SYMBOL_MISSING: name = "symbol missing"; break;
+        default: name = "library status"; break;
+    }
+    char text[64];
+    std::snprintf(text, sizeof text, "%s (0x%08X)", name, status);
+    return text;
+}
+
+std::string ValueText(const json_t* value) {
+    char text[64];
+    switch (json_typeof(value)) {
+        case JSON_INTEGER:
+            std::snprintf(text, sizeof text, "%lld", static_cast<long long>(json_integer_value(value)));
+            return text;
+        case JSON_REAL:
+            std::snprintf(text, sizeof text, "%.10g", json_real_value(value));
+            return text;
+        case JSON_STRING:
+            return json_string_value(value);
+        case JSON_TRUE:
+            return "true";
+        case JSON_FALSE:
+            return "false";
+        default:
+            return "N/A";
+    }
+}
+
+std::string UnitText(const std::string& unit) {
+    if (unit == "Cel") {
+        return "°C";
+    }
+    if (unit == "info") {
+        return "";
+    }
+    return unit;
+}
+
+std::string IdText(uint32_t id) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%X", id);
+    return text;
+}
+
+}  // namespace voractl

@@ -1,0 +1,38 @@
+// Texts voractl shows: statuses, values and units.
+#pragma once
+
+#include <jansson.h>
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+
+namespace voractl {
+
+// A failure of voractl itself: shown as "voractl: <what>" on standard error.
+class ToolError : public std::runtime_error {
+public:
+    // `usage`: the command line was wrong (exit status 2, else 1).
+    ToolError(const std::string& what, bool usage = false)
+        : std::runtime_error(what), usage_(usage) {}
+    bool usage() const { return usage_; }
+
+private:
+    bool usage_;
+};
+
+// "not found (0xFFFFFBFF)"; a status of the board library is shown as
+// "library status (0x...)".
+std::string StatusText(uint32_t status);
+
+// A JSON scalar as people read it: reals without trailing noise, strings
+// as they are.
+std::string ValueText(const json_t* value);
+
+// A unit as people read it ("Cel" is shown as "°C"; "info" and "" as nothing).
+std::string UnitText(const std::string& unit);
+
+// "0x1020201".
+std::string IdText(uint32_t id);
+
+}  // namespace voractl

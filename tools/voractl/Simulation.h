@@ -1,0 +1,21 @@
+// Running voractl against the board simulator: the process re-executes
+// itself under the path redirection, with the simulated library of the
+// chosen generation in place of the real one.
+#pragma once
+
+#include <string>
+
+namespace voractl {
+
+struct SimulationRequest {
+    bool enabled = false;
+    std::string profile;       // board profile file; empty: built-in board
+    std::string generation = "4";  // "4", "3" or "eapi"
+};
+
+// Unless already done, sets up the redirection and re-executes the process
+// with `argv`; returns only when the process already runs simulated (or on
+// error, by throwing ToolError).
+void EnterSimulation(const SimulationRequest& request, char** argv);
+
+}  // namespace voractl
