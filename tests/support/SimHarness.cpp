@@ -193,3 +193,36 @@ std::string StdoutCapture::finish() {
 }
 
 }  // namespace vtest
+
+namespace vtest {
+
+JsonPtr Parse(const std::string& text) {
+    json_error_t error;
+    json_t* json = json_loads(text.c_str(), 0, &error);
+    EXPECT_NE(nullptr, json) << error.text << " in " << text;
+    return Own(json);
+}
+
+std::string Dump(const json_t* json) {
+    char* text = json_dumps(json, JSON_COMPACT | JSON_ENCODE_ANY);
+    std::string result = text == nullptr ? "<null>" : text;
+    std::free(text);
+    return result;
+}
+
+void ExpectGolden(const json_t* actual, const std::string& name) {
+    const std::string path = std::string(VTEST_SOURCE_DIR) + "/tests/data/golden/" + name;
+    const char* update = std::getenv("VTEST_UPDATE_GOLDEN");
+    if (update != nullptr && std::strcmp(update, "1") == 0) {
+        EXPECT_EQ(0, json_dump_file(actual, path.c_str(), JSON_INDENT(2) | JSON_ENSURE_ASCII));
+        return;
+    }
+    json_error_t error;
+    JsonPtr expected = Own(json_load_file(path.c_str(), 0, &error));
+    ASSERT_NE(nullptr, expected) << path << ": " << error.text;
+    EXPECT_TRUE(json_equal(expected.get(), actual))
+        << "differs from " << path << " (VTEST_UPDATE_GOLDEN=1 rewrites it)\nactual: "
+        << Dump(actual);
+}
+
+}  // namespace vtest

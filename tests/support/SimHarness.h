@@ -77,3 +77,22 @@ private:
 };
 
 }  // namespace vtest
+
+#include <jansson.h>
+
+#include <memory>
+
+namespace vtest {
+
+using JsonPtr = std::unique_ptr<json_t, decltype(&json_decref)>;
+inline JsonPtr Own(json_t* json) { return JsonPtr(json, &json_decref); }
+// Parses JSON text; fails the test on a syntax error.
+JsonPtr Parse(const std::string& text);
+// Compact JSON text of a value, keys in document order.
+std::string Dump(const json_t* json);
+
+// Compares `actual` with the golden JSON file tests/data/golden/<name>. With
+// VTEST_UPDATE_GOLDEN=1 in the environment the file is written instead.
+void ExpectGolden(const json_t* actual, const std::string& name);
+
+}  // namespace vtest

@@ -1,0 +1,107 @@
+// voractl end to end: the built program against the simulated board.
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include "RunTool.h"
+#include "SimHarness.h"
+
+using vtest::RunTool;
+using vtest::ToolResult;
+
+namespace {
+
+ToolResult Voractl(const std::vector<std::string>& arguments) {
+    setenv("VORA_SIM_TIME", "0", 1);
+    return RunTool(VTEST_VORACTL, arguments);
+}
+
+}  // namespace
+
+TEST(Voractl, ListShowsEveryItemWithItsValue) {
+    const ToolResult r = Voractl({"--sim", "list"});
+    EXPECT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("", r.err);
+    EXPECT_EQ(0u, r.out.find("ID         BLOCK                 GROUP"));
+    EXPECT_NE(std::string::npos, r.out.find("0x1010402  Platform Information  -      Board name"));
+    EXPECT_NE(std::string::npos, r.out.find("VB-4410"));
+    EXPECT_NE(std::string::npos, r.out.find("1342 times"));
+    EXPECT_NE(std::string::npos, r.out.find("Asset tag"));
+}
+
+TEST(Voractl, GetByPathAndById) {
+    ToolResult r = Voractl({"--sim", "get", "Platform Information/Board name"});
+    EXPECT_EQ(0, r.status);
+    EXPECT_EQ("VB-4410\n", r.out);
+    r = Voractl({"--sim", "get", "0x1010102", "Platform Information/Driver version"});
+    EXPECT_EQ(0, r.status);
+    EXPECT_EQ(
+        "Platform Information/Boot up times: 1342 times\n"
+        "Platform Information/Driver version: 4.0.12\n",
+        r.out);
+}
+
+TEST(Voractl, JsonOutputStaysWholeWhenAReadFails) {
+    const ToolResult r = Voractl({"--sim", "get", "--json", "--type", "int", "0x1010777"});
+    EXPECT_EQ(1, r.status);
+    auto json = vtest::Parse(r.out);
+    EXPECT_TRUE(json_is_null(json_object_get(json.get(), "value")));
+    EXPECT_STREQ("not found (0xFFFFFBFF)", json_string_value(json_object_get(json.get(), "error")));
+    // The module's own diagnostics went to standard error.
+    EXPECT_NE(std::string::npos, r.err.find("VORADrv Info Get Value: id not found"));
+    EXPECT_NE(std::string::npos, r.err.find("voractl: cannot read 0x1010777"));
+
+    const ToolResult list = Voractl({"--sim", "list", "--json"});
+    EXPECT_EQ(0, list.status);
+    auto items = vtest::Parse(list.out);
+    ASSERT_TRUE(json_is_array(items.get()));
+    EXPECT_GE(json_array_size(items.get()), 22u);
+}
+
+TEST(Voractl, CapsPrintsTheDocument) {
+    const ToolResult r = Voractl({"--sim", "caps"});
+    EXPECT_EQ(0, r.status);
+    auto document = vtest::Parse(r.out);
+    EXPECT_TRUE(json_is_object(json_object_get(document.get(), "Platform Information")));
+}
+
+TEST(Voractl, FailuresAndUsageErrorsHaveTheirExitStatus) {
+    ToolResult r = Voractl({"--sim", "set", "Platform Information/Board name", "X"});
+    EXPECT_EQ(1, r.status);
+    EXPECT_EQ("voractl: cannot set Platform Information/Board name to X: unsupported (0xFFFFFCFF)\n",
+              r.err);
+    EXPECT_EQ("VORADrv set value: function:Platform Information set value failed\n", r.out);
+
+    r = Voractl({"--sim", "get", "Platform Information/Nothing"});
+    EXPECT_EQ(2, r.status);
+    EXPECT_EQ("voractl: no item \"Platform Information/Nothing\" (see voractl list)\n", r.err);
+    r = Voractl({"--sim", "get", "0x1010777"});
+    EXPECT_EQ(2, r.status);
+    EXPECT_EQ(2, Voractl({}).status);
+    EXPECT_EQ(2, Voractl({"--bogus", "list"}).status);
+    EXPECT_EQ(2, Voractl({"--sim", "frobnicate"}).status);
+    EXPECT_EQ(2, Voractl({"--sim", "set", "0x1010402"}).status);
+    EXPECT_EQ(2, Voractl({"--sim", "get", "--type", "bool", "0x1010402"}).status);
+    r = Voractl({"--help"});
+    EXPECT_EQ(0, r.status);
+    EXPECT_EQ(0u, r.out.find("Usage: voractl"));
+    r = Voractl({"get", "--help"});
+    EXPECT_EQ(0, r.status);
+    EXPECT_EQ(0u, r.out.find("Usage: voractl get"));
+}
+
+TEST(Voractl, ProfileAndModuleOptions) {
+    const std::string profile =
+        vtest::WriteTempFile(R"({"board": {"name": "Bench board", "boot_count": 3}})");
+    ToolResult r = Voractl({"--sim=" + profile, "get", "Platform Information/Board name"});
+    EXPECT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("Bench board\n", r.out);
+
+    r = Voractl({"--module", "/nonexistent/libVORADrv.so", "--sim", "list"});
+    EXPECT_EQ(1, r.status);
+    EXPECT_EQ(0u, r.err.find("voractl: cannot load the module /nonexistent/libVORADrv.so"));
+
+    // Without a board library the module cannot come up.
+    r = RunTool(VTEST_VORACTL, {"--sim=/nonexistent.json", "list"});
+    EXPECT_EQ(1, r.status);
+    EXPECT_EQ(0u, r.err.find("voractl: cannot read the board profile /nonexistent.json"));
+}
