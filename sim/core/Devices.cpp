@@ -29,6 +29,7 @@ uint32_t SetPinDirection(Call& call, unsigned int id, unsigned int mask, unsigne
         return call.result(kUnsupported);
     }
     pin->direction = wanted;
+    call.changed();
     return call.result(kOk);
 }
 
@@ -53,6 +54,7 @@ uint32_t SetPinLevel(Call& call, unsigned int id, unsigned int mask, unsigned in
         return call.result(kUnsupported);
     }
     pin->level = level & mask & 1;
+    call.changed();
     return call.result(kOk);
 }
 
@@ -80,6 +82,7 @@ uint32_t SetPanelBrightness(Call& call, unsigned int id, unsigned int brightness
         return call.result(kInvalidParameter);
     }
     panel->brightness = brightness;
+    call.changed();
     return call.result(kOk);
 }
 

@@ -40,10 +40,19 @@ Sim& Sim::get() {
 Sim::Sim() : start_(MonotonicSeconds()) {
     const char* log = std::getenv("VORA_SIM_LOG");
     logging_ = log != nullptr && std::strcmp(log, "1") == 0;
+    const char* state = std::getenv("VORA_SIM_STATE");
     const char* path = std::getenv("VORA_SIM_BOARD");
-    const bool loaded = path != nullptr && *path != '\0'
-                            ? loadFile(path)
-                            : loadText(ThisLibrary().defaultProfile, "built-in profile");
+    bool loaded;
+    if (state != nullptr && *state != '\0' && std::ifstream(state).good()) {
+        loaded = loadFile(state);
+    } else if (path != nullptr && *path != '\0') {
+        loaded = loadFile(path);
+    } else {
+        loaded = loadText(ThisLibrary().defaultProfile, "built-in profile");
+    }
+    if (state != nullptr) {
+        statePath_ = state;
+    }
     if (!loaded) {
         usable_ = false;
         std::fprintf(stderr, "vorasim: %s: %s\n", ThisLibrary().name, lastError_.c_str());
@@ -135,7 +144,30 @@ Call::Call(const char* function, uint32_t key)
     fault_ = sim_.takeFault(function, key);
 }
 
-Call::~Call() { sim_.log(std::move(line_)); }
+void Sim::saveState() {
+    if (statePath_.empty()) {
+        return;
+    }
+    // Written aside and renamed, so a reader never sees half a board.
+    const std::string temporary = statePath_ + ".tmp";
+    {
+        std::ofstream out(temporary, std::ios::trunc);
+        out << FormatProfile(board_);
+        if (!out) {
+            std::fprintf(stderr, "vorasim: %s: cannot write the board state %s\n",
+                         ThisLibrary().name, statePath_.c_str());
+            return;
+        }
+    }
+    std::rename(temporary.c_str(), statePath_.c_str());
+}
+
+Call::~Call() {
+    if (changed_) {
+        sim_.saveState();
+    }
+    sim_.log(std::move(line_));
+}
 
 Call& Call::note(const char* name, uint32_t value) {
     line_ += std::string(" ") + name + "=" + Hex(value);

@@ -47,6 +47,11 @@ public:
 
     const std::string& lastError() const { return lastError_; }
 
+    // With VORA_SIM_STATE naming a file, the board is kept there: read from
+    // it at start-up when it exists (instead of the profile), written back
+    // after every change, so successive processes see one board.
+    void saveState();
+
     // A sensor's value now, with its wave when it has one. The clock is
     // seconds since start-up, or VORA_SIM_TIME when that is set.
     double sensorValue(const Sensor& sensor) const;
@@ -62,6 +67,7 @@ private:
     std::string logText_;
     std::string lastError_;
     double start_ = 0.0;
+    std::string statePath_;
 };
 
 // One call of a library function: recorded in the call log when it ends, and
@@ -81,6 +87,8 @@ public:
 
     Board& board() { return sim_.board(); }
     Sim& sim() { return sim_; }
+    // Marks the board as changed by this call (kept in the state file).
+    void changed() { changed_ = true; }
     const std::optional<Fault>& fault() const { return fault_; }
 
     // True when a fault makes the call return status() at once, untouched.
@@ -112,6 +120,7 @@ private:
     Sim& sim_;
     std::string line_;
     std::optional<Fault> fault_;
+    bool changed_ = false;
 };
 
 }  // namespace vorasim

@@ -191,6 +191,7 @@ uint32_t EApiVgaSetBacklightEnable(unsigned int id, unsigned int enable) {
         return call.result(kInvalidParameter);
     }
     panel->enable = enable == kBacklightOn;
+    call.changed();
     return call.result(kOk);
 }
 

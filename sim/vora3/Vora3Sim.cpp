@@ -219,6 +219,7 @@ uint32_t VoraIOWriteEx(unsigned char pin, int level) {
         return call.result(kV3Failed);  // only an output can be driven
     }
     p->level = static_cast<unsigned>(level) & 1;
+    call.changed();
     return call.result(kV3Ok);
 }
 
@@ -234,6 +235,7 @@ uint32_t VoraIOSetDirection(unsigned char pin, unsigned char direction, unsigned
         return call.result(kV3Failed);
     }
     p->direction = direction;
+    call.changed();
     uint32_t bits = 0;
     for (const Pin& each : call.board().pins) {
         bits |= each.direction == 1 && each.pin < 32 ? 1u << each.pin : 0;
@@ -281,6 +283,7 @@ uint32_t VoraVCScreenOn(void) {
         return call.result(kV3Failed);
     }
     screen->enable = true;
+    call.changed();
     return call.result(kV3Ok);
 }
 
@@ -294,6 +297,7 @@ uint32_t VoraVCScreenOff(void) {
         return call.result(kV3Failed);
     }
     screen->enable = false;
+    call.changed();
     return call.result(kV3Ok);
 }
 
@@ -309,6 +313,7 @@ uint32_t VoraVCSetBright(unsigned char brightness) {
         return call.result(kV3Failed);
     }
     screen->brightness = brightness;
+    call.changed();
     return call.result(kV3Ok);
 }
 

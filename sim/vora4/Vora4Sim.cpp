@@ -170,6 +170,7 @@ uint32_t VoraBoardSetValue(unsigned int id, unsigned int* value) {
         }
     }
     call.board().network[id].assign(value, value + count);
+    call.changed();
     return call.result(kOk);
 }
 
@@ -268,6 +269,7 @@ uint32_t SetControl(const char* function, unsigned int id, unsigned int value,
         return call.result(kInvalidParameter);
     }
     panel->*control = value;
+    call.changed();
     return call.result(kOk);
 }
 
@@ -318,6 +320,7 @@ uint32_t VoraVgaSetBacklightEnable(unsigned int id, unsigned int enable) {
         return call.result(kInvalidParameter);
     }
     panel->enable = enable == 1;
+    call.changed();
     return call.result(kOk);
 }
 

@@ -2,7 +2,10 @@
 
 #include <limits.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <unistd.h>
+
+#include <functional>
 
 #include <cerrno>
 #include <cstring>
@@ -43,6 +46,43 @@ const char* LibraryOf(const std::string& generation) {
     throw ToolError("--sim-generation must be 4, 3 or eapi", true);
 }
 
+// Modification time of a file, or 0 when it cannot be read.
+time_t ModifiedAt(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 ? status.st_mtime : 0;
+}
+
+// Where this user's simulated boards are kept.
+std::string StateDirectory() {
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime != nullptr && *runtime != '\0' && access(runtime, W_OK) == 0) {
+        return runtime;
+    }
+    const std::string dir = "/tmp/voractl-" + std::to_string(getuid());
+    mkdir(dir.c_str(), 0700);
+    return dir;
+}
+
+// Sets VORA_SIM_STATE unless the environment already names a state file,
+// and forgets a state older than the board it came from.
+void PrepareState(const std::string& profile, const std::string& library,
+                  const std::string& generation, bool reset) {
+    const char* given = std::getenv("VORA_SIM_STATE");
+    std::string state;
+    if (given != nullptr && *given != '\0') {
+        state = given;
+    } else {
+        const size_t key = std::hash<std::string>{}(profile.empty() ? "built-in" : profile);
+        state = StateDirectory() + "/voractl-sim-" + generation + "-" + std::to_string(key) +
+                ".json";
+        setenv("VORA_SIM_STATE", state.c_str(), 1);
+    }
+    const time_t board = ModifiedAt(profile.empty() ? library : profile);
+    if (reset || ModifiedAt(state) < board) {
+        unlink(state.c_str());
+    }
+}
+
 }  // namespace
 
 void EnterSimulation(const SimulationRequest& request, char** argv) {
@@ -65,14 +105,19 @@ void EnterSimulation(const SimulationRequest& request, char** argv) {
     if (const char* existing = std::getenv("LD_PRELOAD"); existing != nullptr && *existing) {
         preload = std::string(existing) + ":" + preload;
     }
+    std::string profile;
     if (!request.profile.empty()) {
         char absolute[PATH_MAX];
         if (realpath(request.profile.c_str(), absolute) == nullptr) {
             throw ToolError("cannot read the board profile " + request.profile + ": " +
                             std::strerror(errno));
         }
+        profile = absolute;
         setenv("VORA_SIM_BOARD", absolute, 1);
+    } else if (const char* board = std::getenv("VORA_SIM_BOARD"); board != nullptr) {
+        profile = board;
     }
+    PrepareState(profile, dir + "/" + chosen + ".so", request.generation, request.reset);
     setenv("VORA_REDIRECT", redirect.c_str(), 1);
     setenv("LD_PRELOAD", preload.c_str(), 1);
     setenv(kMarker, "1", 1);

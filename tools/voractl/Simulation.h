@@ -9,13 +9,20 @@ namespace voractl {
 
 struct SimulationRequest {
     bool enabled = false;
-    std::string profile;       // board profile file; empty: built-in board
+    std::string profile;           // board profile file; empty: built-in board
     std::string generation = "4";  // "4", "3" or "eapi"
+    bool reset = false;            // start again from the profile
 };
 
 // Unless already done, sets up the redirection and re-executes the process
 // with `argv`; returns only when the process already runs simulated (or on
 // error, by throwing ToolError).
+//
+// The simulated board is kept between runs in a state file per user,
+// generation and profile (VORA_SIM_STATE, unless the environment names one),
+// so that a "set" is seen by a later "get". The state starts again from the
+// profile when the profile (or the simulated library) is newer than the
+// state, or when `reset` asks for it.
 void EnterSimulation(const SimulationRequest& request, char** argv);
 
 }  // namespace voractl

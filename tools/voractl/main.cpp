@@ -38,7 +38,12 @@ const char kUsage[] =
     "  --sim[=PROFILE]        run against the board simulator; PROFILE is a board\n"
     "                         profile file (default: the simulated library's board)\n"
     "  --sim-generation GEN   simulated board library: 4 (default), 3 or eapi\n"
+    "  --sim-reset            start the simulated board again from its profile\n"
     "  -h, --help             show this help; \"voractl COMMAND --help\" for a command\n"
+    "\n"
+    "The simulated board keeps what is written to it from one run to the next\n"
+    "(in $XDG_RUNTIME_DIR, else /tmp/voractl-UID; VORA_SIM_STATE names another\n"
+    "file) until its profile changes or --sim-reset is given.\n"
     "\n"
     "The module's own diagnostics go to standard output as the module prints them\n"
     "(to standard error with --json, so the JSON stays whole); voractl's errors go\n"
@@ -118,6 +123,8 @@ Options Parse(int argc, char** argv) {
             options.simulation.profile = arg.substr(6);
         } else if (OptionValue(arg, "--sim-generation", i, argc, argv, value)) {
             options.simulation.generation = value;
+        } else if (arg == "--sim-reset") {
+            options.simulation.reset = true;
         } else if (arg.rfind("-", 0) == 0) {
             throw ToolError("unknown option " + arg, true);
         } else {
