@@ -1,10 +1,13 @@
 #include "FuncHWM.h"
 
+#include <cstdio>
+
 #include "function/Family.h"
+#include "hwm/Vora4HWM.h"
 
 Function* FuncHWM::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<void, void, void>(remembered);
+    return voradrv::CreateForLibrary<Vora4HWM, void, void>(remembered);
 }
 
 FuncHWM::FuncHWM()
@@ -12,3 +15,33 @@ FuncHWM::FuncHWM()
                   "VORADrv HWM Get Cap: unable to update an empty object with an empty object") {}
 
 void FuncHWM::createIPSOHWMPackage() {}
+
+void FuncHWM::appendSensor(json_t* array, const SensorGroup& group, const char* name,
+                           double value, uint32_t id) {
+    json_t* element = json_pack("{s:s, s:o, s:f, s:f, s:s, s:i, s:s}", "n", name, "v",
+                                json_real(value), "max", group.maximum, "min", group.minimum,
+                                "asm", "r", "id", static_cast<int>(id), "sui", "Chart");
+    if (json_array_append_new(array, element) != 0) {
+        std::printf("VORADrv HWM %s: cap unable to append new value\n", group.tag);
+    }
+}
+
+void FuncHWM::addGroup(json_t* array, bool found, const SensorGroup& group) {
+    if (!found) {
+        json_decref(array);
+        return;
+    }
+    if (group.checkArray && (!json_is_array(array) || json_array_size(array) == 0)) {
+        std::printf("VORADrv HWM %s: cap json_pack array failed\n", group.tag);
+        json_decref(array);
+        return;
+    }
+    auto* record = new HWMInfo(group.label);
+    record->group = IPSO_Capability_Packager(array, group.label, group.unit, kBaseTime,
+                                             kLayoutVersion, group.groupId);
+    if (record->group == nullptr || !json_is_object(record->group) ||
+        json_object_size(record->group) == 0) {
+        std::printf("VORADrv HWM %s: ipso cap json_pack array failed\n", group.tag);
+    }
+    items.push_back(record);
+}

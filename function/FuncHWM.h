@@ -3,6 +3,19 @@
 
 #include "function/GroupFamily.h"
 
+// One kind of sensor as a capability group: label, unit, ids and limits,
+// and the word the group's messages use ("VOLT" in "VORADrv HWM VOLT: ...").
+struct SensorGroup {
+    const char* label;
+    const char* unit;
+    int groupId;          // class id plus group times 0x100, e.g. 0x20200
+    uint32_t itemBase;    // id of the group's first item, e.g. 0x1020201
+    double maximum;
+    double minimum;
+    const char* tag;
+    bool checkArray;      // the current group never checks its array
+};
+
 class FuncHWM : public GroupFamily {
 public:
     struct HWMInfo : GroupRecord {
@@ -17,6 +30,16 @@ public:
 
 protected:
     FuncHWM();
+
+    // A sensor's element {"n", "v", "max", "min", "asm": "r", "id", "sui":
+    // "Chart"} appended to `array`; a failed append (or a missing element)
+    // prints the group's "cap unable to append new value" message.
+    void appendSensor(json_t* array, const SensorGroup& group, const char* name, double value,
+                      uint32_t id);
+    // Ends a group's build: without a sensor the array is released and
+    // nothing is published; otherwise the array is checked (except for the
+    // current group), wrapped as the group object and recorded.
+    void addGroup(json_t* array, bool found, const SensorGroup& group);
 
 private:
     void buildPackage() override { createIPSOHWMPackage(); }
