@@ -1,10 +1,29 @@
 #include "FuncGPIO.h"
 
+#include <cstdio>
+
 #include "function/Family.h"
+#include "gpio/Vora4GPIO.h"
+#include "module/Status.h"
+
+namespace {
+
+constexpr uint32_t kUnknownCap = 0xFFFFFFFF;
+
+// {"n", "bv", "max", "min", "id", "u", "asm", "ui"}.
+json_t* PinItem(const char* label, uint32_t value, uint32_t max, uint32_t min, uint32_t id,
+                const char* unit, const char* access, const char* ui) {
+    return json_pack("{s:s, s:o, s:i, s:i, s:i, s:s, s:s, s:s}", "n", label, "bv",
+                     json_integer(value), "max", static_cast<int>(max), "min",
+                     static_cast<int>(min), "id", static_cast<int>(id), "u", unit, "asm", access,
+                     "ui", ui);
+}
+
+}  // namespace
 
 Function* FuncGPIO::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<void, void, void>(remembered);
+    return voradrv::CreateForLibrary<Vora4GPIO, void, void>(remembered);
 }
 
 FuncGPIO::FuncGPIO()
@@ -12,3 +31,91 @@ FuncGPIO::FuncGPIO()
                   "VORADrv GPIO Get Cap: unable to update an empty object with an empty object") {}
 
 void FuncGPIO::createIPSOGPIOPackage() {}
+
+bool FuncGPIO::publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level) {
+    auto* record = new GPIOPIN(name);
+    json_t* array = json_array();
+
+    // A pin that can be only one of input and output has a fixed direction.
+    uint32_t in = getPinInputCap(pin);
+    uint32_t out = getPinOutputCap(pin);
+    const char* directionAccess = in == kUnknownCap || out == kUnknownCap ? "N/A"
+                                  : in != out                            ? "r"
+                                                                         : "rw";
+    // "max" 1 when the pin can be an input, "min" 0 when it can be an output.
+    const uint32_t max = getPinInputCap(pin);
+    const uint32_t min = getPinOutputCap(pin) ^ 1u;
+    if (json_array_append_new(array, PinItem("Dir", direction, max, min, kDirectionBase + pin,
+                                             "I/O", directionAccess,
+                                             getUIProperty(directionAccess))) != 0) {
+        std::puts("VORADrv GPIO : cap dir unable to append new value");
+    }
+
+    in = getPinInputCap(pin);
+    out = getPinOutputCap(pin);
+    const char* levelAccess = in == kUnknownCap || out == kUnknownCap ? "N/A"
+                              : out == 0 && in == 1                  ? "r"
+                                                                     : "rw";
+    if (json_array_append_new(array, PinItem("Level", level, 1, 0, kLevelBase + pin, "H/L",
+                                             levelAccess, getUIProperty(levelAccess))) != 0) {
+        std::puts("VORADrv GPIO : cap level unable to append new value");
+    }
+
+    if (!json_is_array(array) || json_array_size(array) == 0) {
+        std::puts("VORADrv GPIO: cap json_pack array failed");
+        json_decref(array);
+        delete record;
+        return false;
+    }
+    record->group = IPSO_Capability_Packager(array, name, "info", kBaseTime, kLayoutVersion,
+                                             static_cast<int>(kGroupBase + pin));
+    if (record->group == nullptr || !json_is_object(record->group) ||
+        json_object_size(record->group) == 0) {
+        std::puts("VORADrv GPIO: ipso cap json_pack array failed");
+    }
+    items.push_back(record);
+    return true;
+}
+
+uint32_t FuncGPIO::getMappedPin(uint32_t id, json_t* value, PinRead direction, PinRead level) {
+    auto pin = idtoLibIDMap.find(id);
+    if (pin == idtoLibIDMap.end()) {
+        return STATUS_NOT_FOUND;
+    }
+    if (!json_is_integer(value)) {
+        std::puts("VORADRV GPIO Get Value: not a json integer");
+        return STATUS_INVALID_VALUE;
+    }
+    const uint32_t kind = id & 0xFFFFFF00u;
+    if (kind != kDirectionKind && kind != kLevelKind) {
+        return STATUS_NOT_FOUND;
+    }
+    unsigned int v = 0;
+    const uint32_t status = (kind == kDirectionKind ? direction : level)(pin->second, 1, &v);
+    if (status != STATUS_SUCCESS) {
+        return STATUS_ERROR;
+    }
+    json_integer_set(value, static_cast<json_int_t>(v));
+    return STATUS_SUCCESS;
+}
+
+uint32_t FuncGPIO::setMappedPin(uint32_t id, json_t* value, PinWrite direction, PinWrite level) {
+    auto pin = idtoLibIDMap.find(id);
+    if (pin == idtoLibIDMap.end()) {
+        return STATUS_NOT_FOUND;
+    }
+    if (!json_is_integer(value)) {
+        std::puts("VORADRV GPIO Get Value: not a json integer");
+        return STATUS_INVALID_VALUE;
+    }
+    // Passed on unchecked: the library decides what it accepts.
+    const auto v = static_cast<uint32_t>(json_integer_value(value));
+    switch (id & 0xFFFFFF00u) {
+        case kDirectionKind:
+            return direction(pin->second, 1, v);
+        case kLevelKind:
+            return level(pin->second, 1, v);
+        default:
+            return STATUS_NOT_FOUND;
+    }
+}

@@ -1,4 +1,5 @@
-// FuncGPIO: the GPIO family, one group per pin.
+// FuncGPIO: the GPIO family, one group per pin with two items, its
+// direction (1 input, 0 output) and its level (0 low, 1 high).
 #pragma once
 
 #include "function/GroupFamily.h"
@@ -12,11 +13,36 @@ public:
     // The block of this family for the board library that is up.
     static Function* instance();
 
-    // Appends one GPIOPIN per capability group to items.
+    // Appends one GPIOPIN per pin to items.
     virtual void createIPSOGPIOPackage();
 
 protected:
     FuncGPIO();
+
+    // What the pin can be: 1 when it can be an input (an output), 0 when
+    // not, 0xFFFFFFFF when the library cannot tell. Asked afresh each time.
+    virtual uint32_t getPinInputCap(unsigned pin) = 0;
+    virtual uint32_t getPinOutputCap(unsigned pin) = 0;
+
+    // Publishes pin `pin` named `name` with its present `direction` and
+    // `level`: a GPIOPIN record whose group holds the "Dir" and "Level"
+    // items, their ranges and access modes taken from the capabilities.
+    // Returns false when the pin's items could not be packed; the pin is then
+    // dropped and the package must end there.
+    bool publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level);
+
+    // Reads and writes of pins through `idtoLibIDMap` (item id -> library
+    // pin), with mask 1, for libraries whose calls share these shapes.
+    using PinRead = uint32_t (*)(unsigned int pin, unsigned int mask, unsigned int* value);
+    using PinWrite = uint32_t (*)(unsigned int pin, unsigned int mask, unsigned int value);
+    uint32_t getMappedPin(uint32_t id, json_t* value, PinRead direction, PinRead level);
+    uint32_t setMappedPin(uint32_t id, json_t* value, PinWrite direction, PinWrite level);
+
+    static constexpr uint32_t kGroupBase = 0x1040101;      // + pin
+    static constexpr uint32_t kDirectionBase = 0x1040201;  // + pin
+    static constexpr uint32_t kLevelBase = 0x1040301;      // + pin
+    static constexpr uint32_t kDirectionKind = 0x1040200;
+    static constexpr uint32_t kLevelKind = 0x1040300;
 
 private:
     void buildPackage() override { createIPSOGPIOPackage(); }
