@@ -1,16 +1,20 @@
 #include "FuncBKL.h"
 
+#include <cstdio>
+
+#include "backlight/Vora4BKL.h"
 #include "function/Family.h"
 #include "module/Status.h"
 
 Function* FuncBKL::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<void, void, void>(remembered);
+    return voradrv::CreateForLibrary<Vora4BKL, void, void>(remembered);
 }
 
 FuncBKL::FuncBKL()
     : GroupFamily(0x1050000, "Backlight",
-                  "VORADrv Backlight Get Cap: unable to update an empty object with an empty object") {}
+                  "VORADrv Backlight Get Cap: unable to update an empty object with an empty "
+                  "object") {}
 
 void FuncBKL::createIPSOBKLPackage() {}
 
@@ -23,4 +27,41 @@ uint32_t FuncBKL::VoraIoTUninitialize() {
         package = nullptr;
     }
     return STATUS_SUCCESS;
+}
+
+void FuncBKL::appendControl(json_t* array, const char* what, const char* label, const char* key,
+                            uint32_t value, uint32_t max, uint32_t min, uint32_t id,
+                            const char* unit) {
+    json_t* item = json_pack("{s:s, s:o, s:i, s:i, s:i, s:s, s:s, s:s}", "n", label, key,
+                             json_integer(value), "max", static_cast<int>(max), "min",
+                             static_cast<int>(min), "id", static_cast<int>(id), "u", unit, "asm",
+                             "rw", "ui", getUIProperty("rw"));
+    if (json_array_append_new(array, item) != 0) {
+        std::printf("VORADrv BKL : cap %s unable to append new value\n", what);
+    }
+}
+
+bool FuncBKL::publishPanel(const char* name, json_t* array, uint32_t groupId) {
+    if (!json_is_array(array) || json_array_size(array) == 0) {
+        std::puts("VORADrv BKL: cap json_pack array failed");
+        json_decref(array);
+        return false;
+    }
+    auto* record = new Backlight(name);
+    record->group = IPSO_Capability_Packager(array, name, "info", kBaseTime, kLayoutVersion,
+                                             static_cast<int>(groupId));
+    if (record->group == nullptr || !json_is_object(record->group) ||
+        json_object_size(record->group) == 0) {
+        std::puts("VORADrv BKL: ipso cap json_pack array failed");
+    }
+    items.push_back(record);
+    return true;
+}
+
+bool FuncBKL::isInteger(json_t* value) {
+    if (json_is_integer(value)) {
+        return true;
+    }
+    std::puts("VORADRV BKL Get Value: not a json integer");
+    return false;
 }

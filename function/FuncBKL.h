@@ -1,4 +1,5 @@
-// FuncBKL: the backlight family, one group per display panel.
+// FuncBKL: the backlight family, one group per display panel holding the
+// panel's controls (brightness, frequency, polarity, on/off).
 #pragma once
 
 #include "function/GroupFamily.h"
@@ -12,7 +13,7 @@ public:
     // The block of this family for the board library that is up.
     static Function* instance();
 
-    // Appends one Backlight per capability group to items.
+    // Appends one Backlight per panel to items.
     virtual void createIPSOBKLPackage();
 
     // Unlike the other families, empties and releases the block package here.
@@ -20,6 +21,28 @@ public:
 
 protected:
     FuncBKL();
+
+    // A settable control {"n", <key>, "max", "min", "id", "u", "asm": "rw",
+    // "ui"} appended to `array`, `key` being "v" or "bv"; a failed append
+    // (also to a missing array) prints "VORADrv BKL : cap <what> unable to
+    // append new value".
+    void appendControl(json_t* array, const char* what, const char* label, const char* key,
+                       uint32_t value, uint32_t max, uint32_t min, uint32_t id, const char* unit);
+
+    // Publishes a panel named `name` whose controls are in `array`, as a
+    // Backlight record with group id `groupId`. Returns false when the array
+    // is missing or empty; the panel is then dropped and the package must end.
+    bool publishPanel(const char* name, json_t* array, uint32_t groupId);
+
+    // True when `value` is a JSON integer; otherwise prints "VORADRV BKL Get
+    // Value: not a json integer" (on reads and writes alike) and the caller
+    // answers STATUS_INVALID_VALUE.
+    static bool isInteger(json_t* value);
+
+    static constexpr uint32_t kFrequencyKind = 0x1050200;
+    static constexpr uint32_t kPolarityKind = 0x1050300;
+    static constexpr uint32_t kOnOffKind = 0x1050400;
+    static constexpr uint32_t kBrightnessKind = 0x1050500;
 
 private:
     void buildPackage() override { createIPSOBKLPackage(); }

@@ -1,0 +1,138 @@
+#include "Vora4BKL.h"
+
+#include <cstdio>
+
+#include "binding/VORA4Handle.h"
+#include "module/Status.h"
+#include "module/StringUtil.h"
+
+namespace {
+
+constexpr unsigned kPanels = 3;
+constexpr unsigned int kBrightnessMaximum = 0x10000;  // display capability items
+constexpr unsigned int kBrightnessMinimum = 0x10001;
+constexpr unsigned int kPanelNameBase = 0x60000000;  // string id of panel 0's name
+constexpr unsigned int kNameSize = 32;
+constexpr uint32_t kFrequencyMaximum = 65535;
+
+VORA4Handle* Library() { return VORA4Handle::instance(); }
+
+}  // namespace
+
+Vora4BKL::Vora4BKL() { items.reserve(kPanels); }
+
+void Vora4BKL::createIPSOBKLPackage() {
+    // None of these three is reset between panels: a panel whose range the
+    // library leaves alone shows the range read for the panel before.
+    unsigned int maximum = 0;
+    unsigned int minimum = 0;
+    unsigned int length = kNameSize;
+    for (unsigned panel = 0; panel < kPanels; ++panel) {
+        json_t* array = nullptr;
+        unsigned int v = 0;
+        if (Library()->mVoraVgaGetBacklightBrightness(panel, &v) == STATUS_SUCCESS) {
+            Library()->mVoraVgaGetCaps(panel, kBrightnessMaximum, &maximum);
+            Library()->mVoraVgaGetCaps(panel, kBrightnessMinimum, &minimum);
+            array = json_array();
+            idtoLibIDMap[kBrightnessKind + 1 + panel] = panel;
+            appendControl(array, "brightness", "Brightness", "v", v, maximum, minimum,
+                          kBrightnessKind + 1 + panel, "Step");
+        }
+        // Frequency and polarity do not start the panel's array: without a
+        // brightness their append fails and they are not published, though
+        // they stay readable by id.
+        v = 0;
+        if (Library()->mVoraVgaGetFrequency(panel, &v) == STATUS_SUCCESS) {
+            idtoLibIDMap[kFrequencyKind + 1 + panel] = panel;
+            appendControl(array, "frequency", "Frequency", "v", v, kFrequencyMaximum, 0,
+                          kFrequencyKind + 1 + panel, "Hz");
+        }
+        v = 0;
+        if (Library()->mVoraVgaGetPolarity(panel, &v) == STATUS_SUCCESS) {
+            idtoLibIDMap[kPolarityKind + 1 + panel] = panel;
+            appendControl(array, "polarity", "Polarity", "bv", v, 1, 0,
+                          kPolarityKind + 1 + panel, "ON/OFF");
+        }
+        v = 0;
+        if (Library()->mVoraVgaGetBacklightEnable(panel, &v) == STATUS_SUCCESS) {
+            idtoLibIDMap[kOnOffKind + 1 + panel] = panel;
+            if (array == nullptr) {
+                array = json_array();
+            }
+            appendControl(array, "backlight", "Backlight", "bv", v, 1, 0, kOnOffKind + 1 + panel,
+                          "ON/OFF");
+        }
+        if (array == nullptr) {
+            continue;
+        }
+        // The length word keeps what the previous name call left in it, but
+        // never claims more than the buffer holds.
+        char name[kNameSize] = {};
+        length = length > kNameSize ? kNameSize : length;
+        if (Library()->mVoraBoardGetStringA(kPanelNameBase | panel, name, &length) ==
+            STATUS_SUCCESS) {
+            name[kNameSize - 1] = '\0';  // whatever the library wrote
+        } else {
+            char fallback[16];
+            std::snprintf(fallback, sizeof fallback, "BackLight%u", panel);
+            StringCopy(name, fallback);
+        }
+        if (!publishPanel(name, array, 0x1050101 + panel)) {
+            return;
+        }
+    }
+}
+
+uint32_t Vora4BKL::VoraIoTGetMDValue(uint32_t id, json_t* value) {
+    auto panel = idtoLibIDMap.find(id);
+    if (panel == idtoLibIDMap.end()) {
+        return STATUS_NOT_FOUND;
+    }
+    if (!isInteger(value)) {
+        return STATUS_INVALID_VALUE;
+    }
+    unsigned int v = 0;
+    uint32_t status;
+    switch (id & 0xFFFFFF00u) {
+        case kFrequencyKind: status = Library()->mVoraVgaGetFrequency(panel->second, &v); break;
+        case kPolarityKind: status = Library()->mVoraVgaGetPolarity(panel->second, &v); break;
+        case kOnOffKind: status = Library()->mVoraVgaGetBacklightEnable(panel->second, &v); break;
+        case kBrightnessKind:
+            status = Library()->mVoraVgaGetBacklightBrightness(panel->second, &v);
+            break;
+        default: return STATUS_NOT_FOUND;
+    }
+    if (status != STATUS_SUCCESS) {
+        return STATUS_ERROR;
+    }
+    json_integer_set(value, static_cast<json_int_t>(v));
+    return STATUS_SUCCESS;
+}
+
+uint32_t Vora4BKL::VoraIoTSetMDValue(uint32_t id, json_t* value) {
+    auto panel = idtoLibIDMap.find(id);
+    if (panel == idtoLibIDMap.end()) {
+        return STATUS_NOT_FOUND;
+    }
+    if (!isInteger(value)) {
+        return STATUS_INVALID_VALUE;
+    }
+    const auto v = static_cast<uint32_t>(json_integer_value(value));
+    switch (id & 0xFFFFFF00u) {
+        case kFrequencyKind: return Library()->mVoraVgaSetFrequency(panel->second, v);
+        case kPolarityKind: return Library()->mVoraVgaSetPolarity(panel->second, v);
+        case kBrightnessKind: return Library()->mVoraVgaSetBacklightBrightness(panel->second, v);
+        case kOnOffKind: {
+            unsigned int present = 0;
+            const uint32_t status = Library()->mVoraVgaGetBacklightEnable(panel->second, &present);
+            if (status != STATUS_SUCCESS) {
+                return status;
+            }
+            if (present == v) {
+                return STATUS_SUCCESS;
+            }
+            return Library()->mVoraVgaSetBacklightEnable(panel->second, v);
+        }
+        default: return STATUS_NOT_FOUND;
+    }
+}
