@@ -25,17 +25,7 @@ std::string ReadText(uint32_t id) {
     return json_string_value(value.get());
 }
 
-// The entry of `id` in the block's capability array.
-const json_t* Entry(const json_t* info, uint32_t id) {
-    size_t i;
-    const json_t* entry;
-    json_array_foreach(json_object_get(info, "e"), i, entry) {
-        if (json_integer_value(json_object_get(entry, "id")) == id) {
-            return entry;
-        }
-    }
-    return nullptr;
-}
+const json_t* Entry(const json_t* info, uint32_t id) { return vtest::FindElement(info, id); }
 
 }  // namespace
 

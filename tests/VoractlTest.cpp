@@ -1,6 +1,7 @@
 // voractl end to end: the built program against the simulated board.
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include "RunTool.h"
 #include "SimHarness.h"
@@ -10,7 +11,17 @@ using vtest::ToolResult;
 
 namespace {
 
+// Runs voractl with a simulated board of its own: the board kept between
+// runs lives in a file of this test process alone.
 ToolResult Voractl(const std::vector<std::string>& arguments) {
+    static const std::string state = "/tmp/vtest-board-" + std::to_string(getpid()) + ".json";
+    static const bool once = [] {
+        unlink(state.c_str());
+        std::atexit([] { unlink(state.c_str()); });
+        return true;
+    }();
+    (void)once;
+    setenv("VORA_SIM_STATE", state.c_str(), 1);
     setenv("VORA_SIM_TIME", "0", 1);
     return RunTool(VTEST_VORACTL, arguments);
 }
@@ -22,7 +33,7 @@ TEST(Voractl, ListShowsEveryItemWithItsValue) {
     EXPECT_EQ(0, r.status) << r.err;
     EXPECT_EQ("", r.err);
     EXPECT_EQ(0u, r.out.find("ID         BLOCK                 GROUP"));
-    EXPECT_NE(std::string::npos, r.out.find("0x1010402  Platform Information  -      Board name"));
+    EXPECT_NE(std::string::npos, r.out.find("0x1010402  Platform Information  -"));
     EXPECT_NE(std::string::npos, r.out.find("VB-4410"));
     EXPECT_NE(std::string::npos, r.out.find("1342 times"));
     EXPECT_NE(std::string::npos, r.out.find("Asset tag"));
@@ -104,4 +115,45 @@ TEST(Voractl, ProfileAndModuleOptions) {
     r = RunTool(VTEST_VORACTL, {"--sim=/nonexistent.json", "list"});
     EXPECT_EQ(1, r.status);
     EXPECT_EQ(0u, r.err.find("voractl: cannot read the board profile /nonexistent.json"));
+}
+
+TEST(Voractl, ListShowsUnitsAndStatesInWords) {
+    const ToolResult r = Voractl({"--sim", "list"});
+    EXPECT_EQ(0, r.status) << r.err;
+    for (const char* text : {"Hardware Monitor      Temperature", "48.5 °C", "1.05 V", "2400 RPM",
+                             "1.25 A", "Chassis intrusion", "DI0", "high", "low", "in ", "out",
+                             "200 Hz", "on ", "Relay K1 coil driver, 24 V iso*"}) {
+        EXPECT_NE(std::string::npos, r.out.find(text)) << text;
+    }
+}
+
+TEST(Voractl, SetThenGetRoundTripsOnTheSimulatedBoard) {
+    EXPECT_EQ("high\n", Voractl({"--sim", "get", "GPIO/DO1/Level"}).out);
+    EXPECT_EQ(0, Voractl({"--sim", "set", "GPIO/DO1/Level", "0"}).status);
+    EXPECT_EQ("low\n", Voractl({"--sim", "get", "GPIO/DO1/Level"}).out);
+    EXPECT_EQ(0, Voractl({"--sim", "set", "Backlight/LVDS/Brightness", "50"}).status);
+    EXPECT_EQ("50\n", Voractl({"--sim", "get", "Backlight/LVDS/Brightness"}).out);
+    EXPECT_EQ(0, Voractl({"--sim", "set", "Backlight/eDP/Backlight", "0"}).status);
+    EXPECT_EQ("off\n", Voractl({"--sim", "get", "Backlight/eDP/Backlight"}).out);
+
+    const ToolResult refused = Voractl({"--sim", "set", "Backlight/LVDS/Brightness", "500"});
+    EXPECT_EQ(1, refused.status);
+    EXPECT_EQ("voractl: cannot set Backlight/LVDS/Brightness to 500: library status (0xFFFFFEFF)\n",
+              refused.err);
+    EXPECT_EQ("50\n", Voractl({"--sim", "get", "Backlight/LVDS/Brightness"}).out);
+
+    // --sim-reset starts again from the profile.
+    EXPECT_EQ("80\n", Voractl({"--sim", "--sim-reset", "get", "Backlight/LVDS/Brightness"}).out);
+    EXPECT_EQ("high\n", Voractl({"--sim", "get", "GPIO/DO1/Level"}).out);
+}
+
+TEST(Voractl, RunSimulatedPutsTheSimulatorUnderAnyCommand) {
+    const std::string script = std::string(VTEST_SIM_DIR) + "/run-simulated";
+    unsetenv("VORA_SIM_STATE");
+    ToolResult r = RunTool(script, {"--generation", "4", "--under", "/usr/lib64", "--",
+                                    VTEST_VORACTL, "get", "Platform Information/Board name"});
+    EXPECT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("VB-4410\n", r.out);
+    r = RunTool(script, {"--generation", "7", "--", VTEST_VORACTL, "list"});
+    EXPECT_EQ(2, r.status);
 }

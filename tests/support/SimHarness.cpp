@@ -226,3 +226,49 @@ void ExpectGolden(const json_t* actual, const std::string& name) {
 }
 
 }  // namespace vtest
+
+#include "voradrv.h"
+
+namespace vtest {
+
+JsonPtr ModuleCapability() {
+    JsonPtr document = Own(json_object());
+    EXPECT_EQ(0u, VoraIoTGetMDCapability(document.get()));
+    return document;
+}
+
+const json_t* FindElement(const json_t* block, uint32_t id) {
+    const json_t* elements = json_object_get(block, "e");
+    size_t i;
+    const json_t* element;
+    json_array_foreach(elements, i, element) {
+        if (static_cast<uint32_t>(json_integer_value(json_object_get(element, "id"))) == id) {
+            return element;
+        }
+    }
+    const char* key;
+    json_t* member;
+    json_object_foreach(const_cast<json_t*>(block), key, member) {
+        if (json_is_object(member)) {
+            if (const json_t* found = FindElement(member, id)) {
+                return found;
+            }
+        }
+    }
+    return nullptr;
+}
+
+JsonPtr ReadItem(uint32_t id, json_type type, uint32_t* status) {
+    JsonPtr value = Own(type == JSON_REAL     ? json_real(-12345.0)
+                        : type == JSON_STRING ? json_string("")
+                                              : json_integer(-12345));
+    const uint32_t result = VoraIoTGetMDValue(id, value.get());
+    if (status != nullptr) {
+        *status = result;
+    } else {
+        EXPECT_EQ(0u, result) << "reading 0x" << std::hex << id;
+    }
+    return value;
+}
+
+}  // namespace vtest

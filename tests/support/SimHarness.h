@@ -96,3 +96,16 @@ std::string Dump(const json_t* json);
 void ExpectGolden(const json_t* actual, const std::string& name);
 
 }  // namespace vtest
+
+namespace vtest {
+
+// The module's capability document (through VoraIoTGetMDCapability).
+JsonPtr ModuleCapability();
+// The element with item id `id` anywhere in `block` (a block's member of the
+// document), or null.
+const json_t* FindElement(const json_t* block, uint32_t id);
+// Reads item `id` through the module into a fresh JSON value of `type`;
+// `status` receives the module's answer.
+JsonPtr ReadItem(uint32_t id, json_type type, uint32_t* status = nullptr);
+
+}  // namespace vtest

@@ -35,8 +35,7 @@ std::string WithUnit(const Reading& reading) {
     if (!reading.value) {
         return "N/A";
     }
-    const std::string unit = UnitText(reading.item->unit);
-    return ValueText(reading.value.get()) + (unit.empty() ? "" : " " + unit);
+    return DisplayValue(reading.value.get(), reading.item->unit);
 }
 
 // The display width of UTF-8 text.

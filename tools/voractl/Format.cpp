@@ -49,10 +49,30 @@ std::string UnitText(const std::string& unit) {
     if (unit == "Cel") {
         return "°C";
     }
-    if (unit == "info") {
+    if (unit == "info" || unit == "Step") {
         return "";
     }
     return unit;
+}
+
+std::string DisplayValue(const json_t* value, const std::string& unit) {
+    struct TwoState {
+        const char* unit;
+        const char* one;
+        const char* zero;
+    };
+    static const TwoState kTwoStates[] = {
+        {"I/O", "in", "out"}, {"H/L", "high", "low"}, {"ON/OFF", "on", "off"}};
+    if (json_is_number(value)) {
+        const double v = json_number_value(value);
+        for (const TwoState& two : kTwoStates) {
+            if (unit == two.unit && (v == 0.0 || v == 1.0)) {
+                return v == 1.0 ? two.one : two.zero;
+            }
+        }
+    }
+    const std::string text = UnitText(unit);
+    return ValueText(value) + (text.empty() ? "" : " " + text);
 }
 
 std::string IdText(uint32_t id) {

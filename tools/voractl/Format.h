@@ -29,8 +29,13 @@ std::string StatusText(uint32_t status);
 // as they are.
 std::string ValueText(const json_t* value);
 
-// A unit as people read it ("Cel" is shown as "°C"; "info" and "" as nothing).
+// A unit as people read it ("Cel" is shown as "°C"; "info", "Step" and ""
+// as nothing).
 std::string UnitText(const std::string& unit);
+
+// A value with its unit as people read it: "48.5 °C", "1.05 V", and the
+// two-state units in words ("in"/"out", "high"/"low", "on"/"off").
+std::string DisplayValue(const json_t* value, const std::string& unit);
 
 // "0x1020201".
 std::string IdText(uint32_t id);
