@@ -49,7 +49,9 @@ std::string UnitText(const std::string& unit) {
     if (unit == "Cel") {
         return "°C";
     }
-    if (unit == "info") {
+    // "HEX" and "DEC" say how the numbers inside a network text are
+    // written; the text shows that by itself.
+    if (unit == "info" || unit == "HEX" || unit == "DEC") {
         return "";
     }
     return unit;

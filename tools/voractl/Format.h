@@ -29,7 +29,8 @@ std::string StatusText(uint32_t status);
 // as they are.
 std::string ValueText(const json_t* value);
 
-// A unit as people read it ("Cel" is shown as "°C"; "info" and "" as nothing).
+// A unit as people read it ("Cel" is shown as "°C"; "info", "", and the
+// network texts' "HEX" and "DEC" as nothing).
 std::string UnitText(const std::string& unit);
 
 // "0x1020201".
