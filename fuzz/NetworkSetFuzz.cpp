@@ -159,14 +159,16 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
         Fail(text);
     }
     void* simulator = dlopen(kSimulator, RTLD_NOW | RTLD_NOLOAD);
-    auto enable = simulator == nullptr ? nullptr
-                  : reinterpret_cast<decltype(&vorasim_log_enable)>(dlsym(simulator, "vorasim_log_enable"));
-    callLog = simulator == nullptr ? nullptr
-              : reinterpret_cast<decltype(&vorasim_call_log)>(dlsym(simulator, "vorasim_call_log"));
-    clearLog = simulator == nullptr ? nullptr
-               : reinterpret_cast<decltype(&vorasim_clear_log)>(dlsym(simulator, "vorasim_clear_log"));
-    if (enable == nullptr || callLog == nullptr || clearLog == nullptr) {
+    if (simulator == nullptr) {
         Fail("the module did not load the simulator");
+    }
+    auto enable =
+        reinterpret_cast<decltype(&vorasim_log_enable)>(dlsym(simulator, "vorasim_log_enable"));
+    callLog = reinterpret_cast<decltype(&vorasim_call_log)>(dlsym(simulator, "vorasim_call_log"));
+    clearLog =
+        reinterpret_cast<decltype(&vorasim_clear_log)>(dlsym(simulator, "vorasim_clear_log"));
+    if (enable == nullptr || callLog == nullptr || clearLog == nullptr) {
+        Fail("the simulator lacks its control interface");
     }
     enable(1);
     return 0;

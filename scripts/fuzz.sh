@@ -21,7 +21,7 @@ run() {
             -rss_limit_mb=2048 -print_final_stats=1 -artifact_prefix="$scratch/$target/" \
             "$scratch/$target" "fuzz/corpus/$corpus" >"$scratch/$target.log" 2>&1; then
         cat "$scratch/$target.log"
-        for input in "$scratch/$target"/crash-* "$scratch/$target"/leak-* "$scratch/$target"/timeout-*; do
+        for input in "$scratch/$target"/{crash,leak,timeout,oom}-*; do
             [ -e "$input" ] && { echo "input $input:"; od -c "$input" | head -20; }
         done
         echo "fuzz: $target found a fault" >&2

@@ -101,13 +101,15 @@ TEST(Vora4Network, TextFormsAtTheirEdges) {
 
     vtest::JsonPtr host = Own(nullptr);
     const json_t* group = json_object_get(NetworkCapability(host), "OOBNetwork0");
-    EXPECT_EQ(R"({"n":"Network MAC address","sv":"0A:100:ABC:01:02:","u":"HEX","asm":"rw","id":17498116})",
+    EXPECT_EQ(R"({"n":"Network MAC address","sv":"0A:100:ABC:01:02:","u":"HEX","asm":"rw",)"
+              R"("id":17498116})",
               vtest::Dump(json_array_get(json_object_get(group, "e"), 1)));
 }
 
 TEST(Vora4Network, FullLengthHostNameReadsWhole) {
     const std::string name(32, 'h');
-    vtest::UseSimulator(Generation::Vora4, R"({"board": {"name": "VB-1"}, "network": {"host_name": ")" + name + R"("}})");
+    vtest::UseSimulator(Generation::Vora4, R"({"board": {"name": "VB-1"},
+        "network": {"host_name": ")" + name + R"("}})");
     ASSERT_EQ(0u, VoraIoTInitialize());
     EXPECT_EQ(name, ReadText(kHostName));
 }
