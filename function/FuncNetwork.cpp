@@ -1,10 +1,11 @@
 #include "FuncNetwork.h"
 
 #include "function/Family.h"
+#include "network/Vora4Network.h"
 
 Function* FuncNetwork::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<void, void, void>(remembered);
+    return voradrv::CreateForLibrary<Vora4Network, void, void>(remembered);
 }
 
 FuncNetwork::FuncNetwork()

@@ -3,6 +3,8 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <utility>
+
 #include "RunTool.h"
 #include "SimHarness.h"
 
@@ -33,7 +35,11 @@ TEST(Voractl, ListShowsEveryItemWithItsValue) {
     EXPECT_EQ(0, r.status) << r.err;
     EXPECT_EQ("", r.err);
     EXPECT_EQ(0u, r.out.find("ID         BLOCK                 GROUP"));
-    EXPECT_NE(std::string::npos, r.out.find("0x1010402  Platform Information  -"));
+    // Columns are as wide as their widest entry, so look at the row alone.
+    const size_t row = r.out.find("\n0x1010402  Platform Information  -  ");
+    ASSERT_NE(std::string::npos, row);
+    const std::string line = r.out.substr(row, r.out.find('\n', row + 1) - row);
+    EXPECT_NE(std::string::npos, line.find("Board name"));
     EXPECT_NE(std::string::npos, r.out.find("VB-4410"));
     EXPECT_NE(std::string::npos, r.out.find("1342 times"));
     EXPECT_NE(std::string::npos, r.out.find("Asset tag"));
@@ -66,6 +72,34 @@ TEST(Voractl, JsonOutputStaysWholeWhenAReadFails) {
     auto items = vtest::Parse(list.out);
     ASSERT_TRUE(json_is_array(items.get()));
     EXPECT_GE(json_array_size(items.get()), 22u);
+}
+
+TEST(Voractl, NetworkItemsAreListedAsTextAndSetByPath) {
+    ToolResult r = Voractl({"--sim", "list"});
+    EXPECT_EQ(0, r.status) << r.err;
+    // The texts show without their "HEX" and "DEC" hints.
+    for (const char* row : {"Network MAC address             00:0B:AB:12:34:5F  ",
+                            "Modified device IP              192.168.10.20  ",
+                            "Server IP/Port                  192.168.10.5:623  ",
+                            "Network host name               vb4410-bmc  "}) {
+        EXPECT_NE(std::string::npos, r.out.find(row)) << row;
+    }
+    EXPECT_NE(std::string::npos, r.out.find("0x10B0004  OOB-Network           OOBNetwork0  "));
+
+    for (const auto& [item, value] : {
+             std::pair{"OOB-Network/OOBNetwork0/Modified device IP", "192.168.1.20"},
+             std::pair{"OOB-Network/OOBNetwork0/Network MAC address", "00:0b:ab:00:00:01"},
+             std::pair{"OOB-Network/OOBNetwork0/Network host name", "line3-bmc"}}) {
+        r = Voractl({"--sim", "set", item, value});
+        EXPECT_EQ(0, r.status) << item << ": " << r.err;
+        EXPECT_EQ("", r.out + r.err);
+    }
+    r = Voractl({"--sim", "set", "OOB-Network/OOBNetwork0/Modified device IP", "192.168.1"});
+    EXPECT_EQ(1, r.status);
+    EXPECT_EQ("voractl: cannot set OOB-Network/OOBNetwork0/Modified device IP to 192.168.1: "
+              "error (0xFFFFF0FF)\n",
+              r.err);
+    EXPECT_EQ("VORADrv set value: function:OOB-Network set value failed\n", r.out);
 }
 
 TEST(Voractl, CapsPrintsTheDocument) {

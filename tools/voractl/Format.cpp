@@ -49,7 +49,9 @@ std::string UnitText(const std::string& unit) {
     if (unit == "Cel") {
         return "°C";
     }
-    if (unit == "info" || unit == "Step") {
+    // "HEX" and "DEC" say how the numbers inside a network text are
+    // written; the text shows that by itself. "Step" is a brightness step.
+    if (unit == "info" || unit == "Step" || unit == "HEX" || unit == "DEC") {
         return "";
     }
     return unit;

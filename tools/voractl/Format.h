@@ -29,8 +29,8 @@ std::string StatusText(uint32_t status);
 // as they are.
 std::string ValueText(const json_t* value);
 
-// A unit as people read it ("Cel" is shown as "°C"; "info", "Step" and ""
-// as nothing).
+// A unit as people read it ("Cel" is shown as "°C"; "info", "Step", "", and
+// the network texts' "HEX" and "DEC" as nothing).
 std::string UnitText(const std::string& unit);
 
 // A value with its unit as people read it: "48.5 °C", "1.05 V", and the
