@@ -405,6 +405,11 @@ void ParseNetwork(const Node& n, Board& board) {
         const JsonPtr idText(json_string(key), &json_decref);
         const uint32_t id = Node(idText.get(), words.path() + "." + key).u32();
         const Node list(value, words.path() + "." + key);
+        // A caller's buffer holds the largest value, 64 words; a library
+        // answering more would overrun it.
+        if (list.arraySize() > 64) {
+            list.fail("at most 64 words");
+        }
         std::vector<uint32_t> out;
         for (size_t i = 0; i < list.arraySize(); ++i) {
             out.push_back(list.element(i).u32());
