@@ -4,6 +4,7 @@
 
 #include "function/Family.h"
 #include "gpio/Vora4GPIO.h"
+#include "gpio/eCtl2GPIO.h"
 #include "module/Status.h"
 
 namespace {
@@ -23,7 +24,7 @@ json_t* PinItem(const char* label, uint32_t value, uint32_t max, uint32_t min, u
 
 Function* FuncGPIO::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4GPIO, void, void>(remembered);
+    return voradrv::CreateForLibrary<Vora4GPIO, void, eCtl2GPIO>(remembered);
 }
 
 FuncGPIO::FuncGPIO()

@@ -4,10 +4,11 @@
 
 #include "function/Family.h"
 #include "hwm/Vora4HWM.h"
+#include "hwm/eCtl2HWM.h"
 
 Function* FuncHWM::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4HWM, void, void>(remembered);
+    return voradrv::CreateForLibrary<Vora4HWM, void, eCtl2HWM>(remembered);
 }
 
 FuncHWM::FuncHWM()

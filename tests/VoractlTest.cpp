@@ -3,6 +3,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "RunTool.h"
@@ -190,4 +191,40 @@ TEST(Voractl, RunSimulatedPutsTheSimulatorUnderAnyCommand) {
     EXPECT_EQ("VB-4410\n", r.out);
     r = RunTool(script, {"--generation", "7", "--", VTEST_VORACTL, "list"});
     EXPECT_EQ(2, r.status);
+}
+
+TEST(Voractl, EApiBoardListsEveryItemAndTakesWrites) {
+    const ToolResult r = Voractl({"--sim", "--sim-generation", "eapi", "list"});
+    EXPECT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("", r.err);
+    // A header and 13 + 9 + 12 + 4 items.
+    EXPECT_EQ(39, std::count(r.out.begin(), r.out.end(), '\n')) << r.out;
+    for (const char* text :
+         {"0x1010402  Platform Information  -            Board name                  VB-2150  ",
+          "VOR, 0x215", "2.3.9", "0x1020201  Hardware Monitor      Voltage      V5", "12.05 V",
+          "3189 °C", "3100 RPM", "0.84 A", "GPIO5",
+          "Backlight 2  Backlight                   on",
+          "Backlight 2  Brightness                  100"}) {
+        EXPECT_NE(std::string::npos, r.out.find(text)) << text;
+    }
+    for (const char* text : {"Unknown", "Board manufacturer", "Board serial number",
+                             "OOB-Network", "Case Open", "Frequency"}) {
+        EXPECT_EQ(std::string::npos, r.out.find(text)) << text;
+    }
+
+    const std::vector<std::string> eapi = {"--sim", "--sim-generation", "eapi"};
+    auto run = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), eapi.begin(), eapi.end());
+        return Voractl(arguments);
+    };
+    EXPECT_EQ("high\n", run({"get", "GPIO/GPIO5/Level"}).out);
+    EXPECT_EQ(0, run({"set", "GPIO/GPIO5/Level", "0"}).status);
+    EXPECT_EQ("low\n", run({"get", "GPIO/GPIO5/Level"}).out);
+    EXPECT_EQ(0, run({"set", "GPIO/GPIO4/Dir", "0"}).status);
+    EXPECT_EQ("out\n", run({"get", "GPIO/GPIO4/Dir"}).out);
+    EXPECT_EQ(0, run({"set", "Backlight/Backlight 1/Brightness", "35"}).status);
+    EXPECT_EQ("35\n", run({"get", "Backlight/Backlight 1/Brightness"}).out);
+    // Writing 1 turns the backlight on, which this library reads back as 0.
+    EXPECT_EQ(0, run({"set", "Backlight/Backlight 2/Backlight", "1"}).status);
+    EXPECT_EQ("off\n", run({"get", "Backlight/Backlight 2/Backlight"}).out);
 }
