@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "backlight/Vora3BKL.h"
 #include "backlight/Vora4BKL.h"
 #include "backlight/eCtl2BKL.h"
 #include "function/Family.h"
@@ -9,7 +10,7 @@
 
 Function* FuncBKL::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4BKL, void, eCtl2BKL>(remembered);
+    return voradrv::CreateForLibrary<Vora4BKL, Vora3BKL, eCtl2BKL>(remembered);
 }
 
 FuncBKL::FuncBKL()

@@ -1,6 +1,7 @@
-// The platform-information items shared by the fourth-generation and EApi
-// blocks, whose libraries answer board values and strings the same way:
-// labels, value texts, entry packing and the read path.
+// The platform-information items shared by the blocks of the three
+// libraries: labels and entry packing for all of them; value texts, group
+// builders and the read path for the fourth-generation and EApi blocks,
+// whose libraries answer board values and strings the same way.
 #pragma once
 
 #include <jansson.h>

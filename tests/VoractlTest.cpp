@@ -182,6 +182,41 @@ TEST(Voractl, SetThenGetRoundTripsOnTheSimulatedBoard) {
     EXPECT_EQ("high\n", Voractl({"--sim", "get", "GPIO/DO1/Level"}).out);
 }
 
+TEST(Voractl, ThirdGenerationListShowsEveryItem) {
+    const ToolResult r = Voractl({"--sim", "--sim-generation", "3", "list"});
+    EXPECT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("", r.err);
+    // Header, 3 information items, 9 sensors, 8 pins of two items, 1 brightness.
+    EXPECT_EQ(1 + 3 + 9 + 16 + 1, std::count(r.out.begin(), r.out.end(), '\n'));
+    for (const char* text :
+         {"0x1010402  Platform Information  -            Board name      VB-3200",
+          "0x1010405  Platform Information  -            BIOS revision   3.20.R14",
+          "0x1010201  Platform Information  -            Driver version  3.2",
+          "0x1020203  Hardware Monitor      Voltage      V3.3            3.304 V",
+          "0x1020208  Hardware Monitor      Voltage      VBAT            3.041 V",
+          "0x1020103  Hardware Monitor      Temperature  AUX", "52.3 °C",
+          "0x1020302  Hardware Monitor      Fan Speed    System          1420 RPM",
+          "0x1040201  GPIO                  GPIO0        Dir             in        r",
+          "0x1040304  GPIO                  GPIO3        Level           low       rw",
+          "0x1040308  GPIO                  GPIO7        Level           low       rw",
+          "0x1050501  Backlight             VGA          Brightness      70        rw"}) {
+        EXPECT_NE(std::string::npos, r.out.find(text)) << text;
+    }
+}
+
+TEST(Voractl, ThirdGenerationSetRoundTripsAPinAndTheBrightness) {
+    const std::vector<std::string> sim = {"--sim", "--sim-generation", "3"};
+    auto run = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), sim.begin(), sim.end());
+        return Voractl(arguments);
+    };
+    EXPECT_EQ("low\n", run({"get", "GPIO/GPIO3/Level"}).out);
+    EXPECT_EQ(0, run({"set", "GPIO/GPIO3/Level", "1"}).status);
+    EXPECT_EQ("high\n", run({"get", "GPIO/GPIO3/Level"}).out);
+    EXPECT_EQ(0, run({"set", "Backlight/VGA/Brightness", "120"}).status);
+    EXPECT_EQ("120\n", run({"get", "Backlight/VGA/Brightness"}).out);
+}
+
 TEST(Voractl, RunSimulatedPutsTheSimulatorUnderAnyCommand) {
     const std::string script = std::string(VTEST_SIM_DIR) + "/run-simulated";
     unsetenv("VORA_SIM_STATE");
