@@ -3,7 +3,9 @@
 #include <cstdio>
 
 #include "function/Family.h"
+#include "gpio/Vora3GPIO.h"
 #include "gpio/Vora4GPIO.h"
+#include "gpio/eCtl2GPIO.h"
 #include "module/Status.h"
 
 namespace {
@@ -23,7 +25,7 @@ json_t* PinItem(const char* label, uint32_t value, uint32_t max, uint32_t min, u
 
 Function* FuncGPIO::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4GPIO, void, void>(remembered);
+    return voradrv::CreateForLibrary<Vora4GPIO, Vora3GPIO, eCtl2GPIO>(remembered);
 }
 
 FuncGPIO::FuncGPIO()
@@ -82,8 +84,7 @@ uint32_t FuncGPIO::getMappedPin(uint32_t id, json_t* value, PinRead direction, P
     if (pin == idtoLibIDMap.end()) {
         return STATUS_NOT_FOUND;
     }
-    if (!json_is_integer(value)) {
-        std::puts("VORADRV GPIO Get Value: not a json integer");
+    if (!isInteger(value)) {
         return STATUS_INVALID_VALUE;
     }
     const uint32_t kind = id & 0xFFFFFF00u;
@@ -104,8 +105,7 @@ uint32_t FuncGPIO::setMappedPin(uint32_t id, json_t* value, PinWrite direction, 
     if (pin == idtoLibIDMap.end()) {
         return STATUS_NOT_FOUND;
     }
-    if (!json_is_integer(value)) {
-        std::puts("VORADRV GPIO Get Value: not a json integer");
+    if (!isInteger(value)) {
         return STATUS_INVALID_VALUE;
     }
     // Passed on unchecked: the library decides what it accepts.
@@ -118,4 +118,12 @@ uint32_t FuncGPIO::setMappedPin(uint32_t id, json_t* value, PinWrite direction, 
         default:
             return STATUS_NOT_FOUND;
     }
+}
+
+bool FuncGPIO::isInteger(json_t* value) {
+    if (json_is_integer(value)) {
+        return true;
+    }
+    std::puts("VORADRV GPIO Get Value: not a json integer");
+    return false;
 }

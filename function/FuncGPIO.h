@@ -38,6 +38,11 @@ protected:
     uint32_t getMappedPin(uint32_t id, json_t* value, PinRead direction, PinRead level);
     uint32_t setMappedPin(uint32_t id, json_t* value, PinWrite direction, PinWrite level);
 
+    // True when `value` is a JSON integer; otherwise prints "VORADRV GPIO Get
+    // Value: not a json integer" (on reads and writes alike) and the caller
+    // answers STATUS_INVALID_VALUE.
+    static bool isInteger(json_t* value);
+
     static constexpr uint32_t kGroupBase = 0x1040101;      // + pin
     static constexpr uint32_t kDirectionBase = 0x1040201;  // + pin
     static constexpr uint32_t kLevelBase = 0x1040301;      // + pin

@@ -3,11 +3,13 @@
 #include <cstdio>
 
 #include "function/Family.h"
+#include "hwm/Vora3HWM.h"
 #include "hwm/Vora4HWM.h"
+#include "hwm/eCtl2HWM.h"
 
 Function* FuncHWM::instance() {
     static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4HWM, void, void>(remembered);
+    return voradrv::CreateForLibrary<Vora4HWM, Vora3HWM, eCtl2HWM>(remembered);
 }
 
 FuncHWM::FuncHWM()

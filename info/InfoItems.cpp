@@ -23,8 +23,6 @@ const char* const kVersionLabels[3] = {"Driver version", "Library version", "Fir
 namespace {
 // Formatted values fit in 32 bytes ("255.255.65535" at most).
 constexpr unsigned long kTextSize = 32;
-// Strings are read into 64 bytes.
-constexpr unsigned int kStringSize = 64;
 }  // namespace
 
 std::string PairText(uint32_t value) {
@@ -125,6 +123,45 @@ int BuildVersions(json_t* array, std::map<uint32_t, uint32_t>& map, GetValueFn g
     return result;
 }
 
+int BuildStrings(json_t* array, std::map<uint32_t, uint32_t>& map, GetStringFn getString,
+                 unsigned count, const StringRules& rules) {
+    const unsigned int size = rules.bufferSize < kStringSize ? rules.bufferSize : kStringSize;
+    int found = 0;
+    for (unsigned p = 0; p < count; ++p) {
+        // The library is told `size` bytes; the text stays terminated within
+        // them whatever it writes.
+        char text[kStringSize + 1] = {};
+        unsigned int length = size;
+        const uint32_t status = getString(p, text, &length);
+        text[size] = '\0';
+        if (status != 0) {
+            if (status == STATUS_MORE_DATA && rules.countCutStrings) {
+                ++found;
+            }
+            continue;
+        }
+        if (text[0] == '\0' || (rules.rejectUnknown && std::strcmp(text, "Unknown") == 0)) {
+            continue;
+        }
+        const uint32_t id = kStringGroup + 1 + p;
+        map[id] = p;
+        if (rules.trimLineFeed) {
+            TrimLineFeed(text, length, size);
+        }
+        if (!AppendEntry(array, TextEntry(kStringLabels[p], text, id), "getStringInfo")) {
+            return -1;
+        }
+        ++found;
+    }
+    return found == 0 ? 1 : 0;
+}
+
+void TrimLineFeed(char* buffer, unsigned int length, unsigned int size) {
+    if (length >= 1 && length <= size && buffer[length - 1] == '\n') {
+        buffer[length - 1] = '\0';
+    }
+}
+
 namespace {
 
 // Sets a JSON string; a text that is not valid UTF-8 cannot be carried.
@@ -170,9 +207,8 @@ uint32_t ReadItem(uint32_t id, uint32_t libraryId, json_t* value, GetValueFn get
             if (status != 0) {
                 return status;
             }
-            if (trimLineFeed && length >= 1 && length <= kStringSize &&
-                buffer[length - 1] == '\n') {
-                buffer[length - 1] = '\0';
+            if (trimLineFeed) {
+                TrimLineFeed(buffer, length, kStringSize);
             }
             return SetString(value, buffer);
         }

@@ -1,6 +1,7 @@
-// The platform-information items shared by the fourth-generation and EApi
-// blocks, whose libraries answer board values and strings the same way:
-// labels, value texts, entry packing and the read path.
+// The platform-information items shared by the blocks of the three
+// libraries: labels and entry packing for all of them; value texts, group
+// builders and the read path for the fourth-generation and EApi blocks,
+// whose libraries answer board values and strings the same way.
 #pragma once
 
 #include <jansson.h>
@@ -51,6 +52,33 @@ bool AppendEntry(json_t* array, json_t* entry, const char* builder);
 int BuildValues(json_t* array, std::map<uint32_t, uint32_t>& map, GetValueFn getValue,
                 unsigned count);
 int BuildVersions(json_t* array, std::map<uint32_t, uint32_t>& map, GetValueFn getValue);
+
+// How a library's board strings are taken in while building.
+struct StringRules {
+    // Size the library is told the buffer has (at most kStringSize).
+    unsigned int bufferSize;
+    // A string too long for the buffer (STATUS_MORE_DATA) is not published
+    // but counts as found for the result.
+    bool countCutStrings;
+    // The text "Unknown" means the board does not know the value.
+    bool rejectUnknown;
+    // A line feed at index length - 1 is dropped.
+    bool trimLineFeed;
+};
+
+// The board strings at positions 0..count-1 (ids 0x1010401 + position, the
+// library id the position), empty ones left out. Maps the ids it publishes
+// and returns 0 when it found a string, 1 when none, -1 after a packing or
+// appending failure.
+int BuildStrings(json_t* array, std::map<uint32_t, uint32_t>& map, GetStringFn getString,
+                 unsigned count, const StringRules& rules);
+
+// Size of the buffer a string is read into.
+constexpr unsigned int kStringSize = 64;
+
+// Ends the text at index `length` - 1 when a line feed stands there; a
+// length of 0 or beyond `size` (the buffer's size) is left alone.
+void TrimLineFeed(char* buffer, unsigned int length, unsigned int size);
 
 // Reads item `id` (library id `libraryId`) into the host's `value`: a JSON
 // integer gets the board value; a JSON string gets the item's text by its

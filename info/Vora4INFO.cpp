@@ -16,7 +16,8 @@ constexpr unsigned kStringCount = 9;
 constexpr unsigned kFirstCustomer = 16;
 constexpr unsigned kLastCustomer = 18;
 constexpr uint32_t kCustomerLabel = 0x90000000;  // library id of a customer string's label
-constexpr unsigned int kStringSize = 64;
+// Board strings: 64-byte buffer, only empty strings left out.
+constexpr StringRules kStringRules = {kStringSize, false, false, false};
 
 // Reads string `id` into `buffer` (kStringSize + 1 bytes). The buffer is
 // zeroed first and stays terminated whatever the library writes.
@@ -42,20 +43,8 @@ int Vora4INFO::getValueInfo(json_t* array) {
 }
 
 int Vora4INFO::getStringInfo(json_t* array) {
-    int result = 1;
-    for (unsigned p = 0; p < kStringCount; ++p) {
-        char text[kStringSize + 1];
-        if (ReadString(p, text) != 0 || text[0] == '\0') {
-            continue;
-        }
-        const uint32_t id = kStringGroup + 1 + p;
-        idtoLibIDMap[id] = p;
-        if (!AppendEntry(array, TextEntry(kStringLabels[p], text, id), "getStringInfo")) {
-            return -1;
-        }
-        result = 0;
-    }
-    return result;
+    return BuildStrings(array, idtoLibIDMap, &VORA4Handle::mVoraBoardGetStringA, kStringCount,
+                        kStringRules);
 }
 
 int Vora4INFO::getCustomizeString(json_t* array) {

@@ -72,6 +72,24 @@ TEST(Probe, ThirdGenerationCountsOnlyOneAsSuccess) {
     EXPECT_TRUE(ECTL2Handle::instance()->Avaliable());
 }
 
+TEST(Probe, ThirdGenerationOnlyBoardIsServedInFull) {
+    vtest::UseSimulator(Generation::Vora3);
+    vtest::StdoutCapture out;
+    ASSERT_EQ(0u, VoraIoTInitialize());
+    // No probe message: no fourth-generation file, so no initialise failed.
+    EXPECT_EQ("", out.finish());
+    // Five places; the network block exists only with the fourth generation.
+    ASSERT_EQ(5u, functions.size());
+    EXPECT_EQ(nullptr, functions[4]);
+    auto document = vtest::ModuleCapability();
+    std::string blocks;
+    const char* key;
+    json_t* block;
+    json_object_foreach(document.get(), key, block) { blocks += std::string(key) + ";"; }
+    EXPECT_EQ("Platform Information;Hardware Monitor;GPIO;Backlight;", blocks);
+    EXPECT_EQ(1u, VoraIoTUninitialize());  // the library's own result, passed back
+}
+
 TEST(Probe, EApiFailureIsReportedAndReturned) {
     vtest::UseSimulator(Generation::EApi, FailingInit("EApiLibInitialize", "0xFFFFFCFF"));
     vtest::StdoutCapture out;

@@ -3,6 +3,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <utility>
 
 #include "RunTool.h"
@@ -16,6 +17,15 @@ using vtest::Lines;
 using vtest::Voractl;
 
 namespace {
+
+// The number of item lines in list's output (headings left out).
+long ItemLines(const std::string& out) {
+    long n = 0;
+    for (const std::string& line : Lines(out)) {
+        n += line.rfind("    0x", 0) == 0 ? 1 : 0;
+    }
+    return n;
+}
 
 // The last column of a table line.
 std::string Last(const std::string& line) {
@@ -209,6 +219,43 @@ TEST(Voractl, SetThenGetRoundTripsOnTheSimulatedBoard) {
     EXPECT_EQ("high\n", Voractl({"--sim", "get", "GPIO/DO1/Level"}).out);
 }
 
+TEST(Voractl, ThirdGenerationListShowsEveryItem) {
+    const ToolResult r = Voractl({"--sim", "--sim-generation", "3", "list"});
+    EXPECT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("", r.err);
+    // 3 information items, 9 sensors, 8 pins of two items, 1 brightness.
+    EXPECT_EQ(3 + 9 + 16 + 1, ItemLines(r.out));
+    for (const char* text :
+         {"Platform Information\n", "    0x1010402  Board name      VB-3200   read-only\n",
+          "    0x1010405  BIOS revision   3.20.R14  read-only\n",
+          "    0x1010201  Driver version  3.2       read-only\n",
+          "\nHardware Monitor\n  Voltage\n",
+          "    0x1020203  V3.3            3.304 V   read-only\n",
+          "    0x1020208  VBAT            3.041 V   read-only\n",
+          "    0x1020103  AUX             +38.0 °C  read-only\n", "+52.3 °C",
+          "  Fan Speed\n", "    0x1020302  System          1420 RPM  read-only\n",
+          "\nGPIO\n  GPIO0\n    0x1040201  Dir             in        read-only\n",
+          "  GPIO3\n    0x1040204  Dir             out       read-only\n"
+          "    0x1040304  Level           low\n",
+          "    0x1040308  Level           low\n",
+          "\nBacklight\n  VGA\n    0x1050501  Brightness      70\n"}) {
+        EXPECT_NE(std::string::npos, r.out.find(text)) << text;
+    }
+}
+
+TEST(Voractl, ThirdGenerationSetRoundTripsAPinAndTheBrightness) {
+    const std::vector<std::string> sim = {"--sim", "--sim-generation", "3"};
+    auto run = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), sim.begin(), sim.end());
+        return Voractl(arguments);
+    };
+    EXPECT_EQ("low\n", run({"get", "GPIO/GPIO3/Level"}).out);
+    EXPECT_EQ(0, run({"set", "GPIO/GPIO3/Level", "1"}).status);
+    EXPECT_EQ("high\n", run({"get", "GPIO/GPIO3/Level"}).out);
+    EXPECT_EQ(0, run({"set", "Backlight/VGA/Brightness", "120"}).status);
+    EXPECT_EQ("120\n", run({"get", "Backlight/VGA/Brightness"}).out);
+}
+
 TEST(Voractl, RunSimulatedPutsTheSimulatorUnderAnyCommand) {
     const std::string script = std::string(VTEST_SIM_DIR) + "/run-simulated";
     unsetenv("VORA_SIM_STATE");
@@ -218,4 +265,40 @@ TEST(Voractl, RunSimulatedPutsTheSimulatorUnderAnyCommand) {
     EXPECT_EQ("VB-4410\n", r.out);
     r = RunTool(script, {"--generation", "7", "--", VTEST_VORACTL, "list"});
     EXPECT_EQ(2, r.status);
+}
+
+TEST(Voractl, EApiBoardListsEveryItemAndTakesWrites) {
+    const ToolResult r = Voractl({"--sim", "--sim-generation", "eapi", "list"});
+    EXPECT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("", r.err);
+    // 13 + 9 + 12 + 4 items.
+    EXPECT_EQ(38, ItemLines(r.out)) << r.out;
+    for (const char* text :
+         {"    0x1010402  Board name                  VB-2150              read-only\n",
+          "VOR, 0x215", "2.3.9", "    0x1020201  V5                          5.034 V ",
+          "12.050 V", "+3189.0 °C", "3100 RPM", "0.840 A", "  GPIO5\n",
+          "  Backlight 2\n    0x1050402  Backlight                   on\n"
+          "    0x1050502  Brightness                  100\n"}) {
+        EXPECT_NE(std::string::npos, r.out.find(text)) << text;
+    }
+    for (const char* text : {"Unknown", "Board manufacturer", "Board serial number",
+                             "OOB-Network", "Case Open", "Frequency"}) {
+        EXPECT_EQ(std::string::npos, r.out.find(text)) << text;
+    }
+
+    const std::vector<std::string> eapi = {"--sim", "--sim-generation", "eapi"};
+    auto run = [&](std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), eapi.begin(), eapi.end());
+        return Voractl(arguments);
+    };
+    EXPECT_EQ("high\n", run({"get", "GPIO/GPIO5/Level"}).out);
+    EXPECT_EQ(0, run({"set", "GPIO/GPIO5/Level", "0"}).status);
+    EXPECT_EQ("low\n", run({"get", "GPIO/GPIO5/Level"}).out);
+    EXPECT_EQ(0, run({"set", "GPIO/GPIO4/Dir", "0"}).status);
+    EXPECT_EQ("out\n", run({"get", "GPIO/GPIO4/Dir"}).out);
+    EXPECT_EQ(0, run({"set", "Backlight/Backlight 1/Brightness", "35"}).status);
+    EXPECT_EQ("35\n", run({"get", "Backlight/Backlight 1/Brightness"}).out);
+    // Writing 1 turns the backlight on, which this library reads back as 0.
+    EXPECT_EQ(0, run({"set", "Backlight/Backlight 2/Backlight", "1"}).status);
+    EXPECT_EQ("off\n", run({"get", "Backlight/Backlight 2/Backlight"}).out);
 }

@@ -1,0 +1,95 @@
+#include "eCtl2BKL.h"
+
+#include <cstdio>
+
+#include "binding/ECTL2Handle.h"
+#include "module/Status.h"
+
+namespace {
+
+constexpr unsigned kPanels = 3;
+constexpr uint32_t kBrightnessMaximum = 100;
+constexpr unsigned int kNameSize = 32;
+// The library's enable values.
+constexpr unsigned int kEnableOn = 0;
+constexpr unsigned int kEnableOff = 0xFFFFFFFF;
+
+ECTL2Handle* Library() { return ECTL2Handle::instance(); }
+
+}  // namespace
+
+// Room for two panels; a third grows the vector.
+eCtl2BKL::eCtl2BKL() { items.reserve(2); }
+
+void eCtl2BKL::createIPSOBKLPackage() {
+    for (unsigned panel = 0; panel < kPanels; ++panel) {
+        unsigned int brightness = 0;
+        if (Library()->mEApiVgaGetBacklightBrightness(panel, &brightness) != STATUS_SUCCESS) {
+            continue;
+        }
+        // The on/off read is not checked; one the library cannot answer
+        // publishes 0.
+        unsigned int enable = 0;
+        Library()->mEApiVgaGetBacklightEnable(panel, &enable);
+        // Panels are numbered from 1 in names and ids.
+        const unsigned n = panel + 1;
+        char name[kNameSize];
+        std::snprintf(name, sizeof name, "Backlight %u", n);
+        idtoLibIDMap[kOnOffKind + n] = panel;
+        idtoLibIDMap[kBrightnessKind + n] = panel;
+        json_t* array = json_array();
+        appendControl(array, "backlight", "Backlight", "bv", enable != 0 ? 1 : 0, 1, 0,
+                      kOnOffKind + n, "ON/OFF");
+        appendControl(array, "brightness", "Brightness", "v", brightness, kBrightnessMaximum, 0,
+                      kBrightnessKind + n, "Step");
+        if (!publishPanel(name, array, 0x1050100 + n)) {
+            return;
+        }
+    }
+}
+
+uint32_t eCtl2BKL::VoraIoTGetMDValue(uint32_t id, json_t* value) {
+    auto panel = idtoLibIDMap.find(id);
+    if (panel == idtoLibIDMap.end()) {
+        return STATUS_NOT_FOUND;
+    }
+    if (!isInteger(value)) {
+        return STATUS_INVALID_VALUE;
+    }
+    unsigned int v = 0;
+    uint32_t status;
+    switch (id & 0xFFFFFF00u) {
+        case kOnOffKind:
+            status = Library()->mEApiVgaGetBacklightEnable(panel->second, &v);
+            v = v != 0 ? 1 : 0;
+            break;
+        case kBrightnessKind:
+            status = Library()->mEApiVgaGetBacklightBrightness(panel->second, &v);
+            break;
+        default: return STATUS_NOT_FOUND;
+    }
+    if (status != STATUS_SUCCESS) {
+        return STATUS_ERROR;
+    }
+    json_integer_set(value, static_cast<json_int_t>(v));
+    return STATUS_SUCCESS;
+}
+
+uint32_t eCtl2BKL::VoraIoTSetMDValue(uint32_t id, json_t* value) {
+    auto panel = idtoLibIDMap.find(id);
+    if (panel == idtoLibIDMap.end()) {
+        return STATUS_NOT_FOUND;
+    }
+    if (!isInteger(value)) {
+        return STATUS_INVALID_VALUE;
+    }
+    const auto v = static_cast<uint32_t>(json_integer_value(value));
+    switch (id & 0xFFFFFF00u) {
+        case kOnOffKind:
+            return Library()->mEApiVgaSetBacklightEnable(panel->second,
+                                                         v == 0 ? kEnableOff : kEnableOn);
+        case kBrightnessKind:
+            return Library()->mEApiVgaSetBacklightBrightness(panel->second, v);
+        default: return STATUS_NOT_FOUND;
+    }
+}
