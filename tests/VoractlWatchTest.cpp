@@ -199,3 +199,19 @@ TEST(VoractlWatch, RedrawsInPlaceOnATerminal) {
     EXPECT_NE(std::string::npos, r.out.find("\033[H"));
     EXPECT_EQ(std::string::npos, r.out.find("\033[0m"));
 }
+
+TEST(VoractlWatch, CutsATableTallerThanTheTerminal) {
+    vtest::UseOwnSimulatedBoard();
+    setenv("NO_COLOR", "1", 1);
+    // Every block: far more lines than the 40 rows of the test's terminal.
+    const ToolResult r = vtest::RunOnTerminal(
+        vtest::VoractlPath(), {"--sim", "watch", "--count", "1", "Platform Information",
+                               "Hardware Monitor", "GPIO", "Backlight", "OOB-Network"});
+    ASSERT_EQ(0, r.status) << r.out;
+    size_t lines = 0;
+    for (size_t at = 0; (at = r.out.find('\n', at)) != std::string::npos; ++at) {
+        ++lines;
+    }
+    EXPECT_LE(lines, 39u) << "the screen would scroll";
+    EXPECT_TRUE(std::regex_search(r.out, std::regex(R"(\.\.\. \d+ more lines)"))) << r.out;
+}

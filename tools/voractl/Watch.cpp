@@ -1,6 +1,7 @@
 #include "Watch.h"
 
 #include <poll.h>
+#include <sys/ioctl.h>
 #include <signal.h>
 #include <time.h>
 #include <unistd.h>
@@ -193,7 +194,20 @@ private:
         screen += context_.style.heading(every) + "  " + Timestamp() +
                   "  (Ctrl-C ends)\033[K\n\033[K\n";
         const TableColumns columns{false, true, false};
-        for (const std::string& line : ItemTable(rows, columns, context_.style)) {
+        std::vector<std::string> lines = ItemTable(rows, columns, context_.style);
+        // A table taller than the terminal would scroll, and the next
+        // sample would be drawn over the wrong lines: it is cut to fit.
+        winsize size{};
+        const size_t room = ioctl(fileno(context_.out), TIOCGWINSZ, &size) == 0 && size.ws_row > 3
+                                ? size.ws_row - 3u
+                                : lines.size();
+        if (lines.size() > room) {
+            const size_t more = lines.size() - room + 1;
+            lines.resize(room - 1);
+            lines.push_back(context_.style.dim("... " + std::to_string(more) +
+                                               " more lines (a taller terminal, or fewer items)"));
+        }
+        for (const std::string& line : lines) {
             screen += line + "\033[K\n";
         }
         screen += "\033[J";
