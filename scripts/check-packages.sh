@@ -29,14 +29,14 @@ set -x
 /usr/bin/voractl --sim --sim-generation 4 export --format prometheus --output "$scratch/voradrv.prom"
 { set +x; } 2>/dev/null
 grep -q '^voradrv_board_info{.*board_name="VB-4410"' "$scratch/voradrv.prom" || fail "export"
-dpkg-deb -c "$build"/voradrv-tools_*.deb | grep -q ' ./usr/share/man/man1/voractl.1.gz$' ||
-    fail "no man page in voradrv-tools"
+contents=$(dpkg-deb -c "$build"/voradrv-tools_*.deb)
+grep -q ' ./usr/share/man/man1/voractl.1.gz$' <<<"$contents" || fail "no man page in voradrv-tools"
 
 # A host built against the installed development files.
 # shellcheck disable=SC2046
 cc -Wall -Wextra -Werror -o "$scratch/host" examples/host.c \
     -DVORADRV_MODULE_PATH="\"$(pkg-config --variable=module voradrv)\"" \
     $(pkg-config --cflags --libs voradrv)
-/usr/libexec/voradrv/run-simulated -- "$scratch/host" | tail -1 | grep -q '^Voltage/VCORE (0x1020201): 1.05 V$' ||
-    fail "the example host against the installed module"
+out=$(/usr/libexec/voradrv/run-simulated -- "$scratch/host")
+grep -q '^Voltage/VCORE (0x1020201): 1.05 V$' <<<"$out" || fail "the example host against the installed module"
 echo "check-packages: installed, run and removed"

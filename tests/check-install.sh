@@ -59,10 +59,10 @@ fi
 # shellcheck disable=SC2046
 cc -Wall -Wextra -Werror -o "$root/host-pc" "$source/examples/host.c" \
     -DVORADRV_MODULE_PATH="\"$module\"" $(pkg-config --cflags --libs voradrv)
-"$prefix/libexec/voradrv/run-simulated" -- "$root/host-pc" | grep -q "^Voltage/VCORE (0x1020201): 1.05 V$" ||
-    fail "the host built with pkg-config"
+out=$("$prefix/libexec/voradrv/run-simulated" -- "$root/host-pc")
+grep -q "^Voltage/VCORE (0x1020201): 1.05 V$" <<<"$out" || fail "the host built with pkg-config"
 cmake -S "$source/examples" -B "$root/host-cmake" -DCMAKE_PREFIX_PATH="$prefix" >/dev/null
 cmake --build "$root/host-cmake" >/dev/null
-"$prefix/libexec/voradrv/run-simulated" -- "$root/host-cmake/voradrv-host" |
-    grep -q "^Voltage/VCORE (0x1020201): 1.05 V$" || fail "the host built with the CMake config"
+out=$("$prefix/libexec/voradrv/run-simulated" -- "$root/host-cmake/voradrv-host")
+grep -q "^Voltage/VCORE (0x1020201): 1.05 V$" <<<"$out" || fail "the host built with the CMake config"
 echo "install: all checks pass"
