@@ -24,7 +24,13 @@ const std::regex kTimestamp(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}[+-]\d\d:\d
 // Arguments that load the stand-in module, which logs initialise and
 // uninitialise calls to the returned file.
 std::vector<std::string> StandIn(std::string& log) {
-    log = "/tmp/vtest-module-log-" + std::to_string(getpid());
+    static const std::string path = "/tmp/vtest-module-log-" + std::to_string(getpid());
+    static const bool once = [] {
+        std::atexit([] { unlink(path.c_str()); });
+        return true;
+    }();
+    (void)once;
+    log = path;
     unlink(log.c_str());
     setenv("VTEST_REAL_MODULE", VTEST_MODULE, 1);
     setenv("VTEST_MODULE_LOG", log.c_str(), 1);
