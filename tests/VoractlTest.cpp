@@ -8,42 +8,77 @@
 
 #include "RunTool.h"
 #include "SimHarness.h"
+#include "VoractlRun.h"
 
 using vtest::RunTool;
 using vtest::ToolResult;
 
+using vtest::Lines;
+using vtest::Voractl;
+
 namespace {
 
-// Runs voractl with a simulated board of its own: the board kept between
-// runs lives in a file of this test process alone.
-ToolResult Voractl(const std::vector<std::string>& arguments) {
-    static const std::string state = "/tmp/vtest-board-" + std::to_string(getpid()) + ".json";
-    static const bool once = [] {
-        unlink(state.c_str());
-        std::atexit([] { unlink(state.c_str()); });
-        return true;
-    }();
-    (void)once;
-    setenv("VORA_SIM_STATE", state.c_str(), 1);
-    setenv("VORA_SIM_TIME", "0", 1);
-    return RunTool(VTEST_VORACTL, arguments);
+// The number of item lines in list's output (headings left out).
+long ItemLines(const std::string& out) {
+    long n = 0;
+    for (const std::string& line : Lines(out)) {
+        n += line.rfind("    0x", 0) == 0 ? 1 : 0;
+    }
+    return n;
+}
+
+// The last column of a table line.
+std::string Last(const std::string& line) {
+    const size_t gap = line.rfind("  ");
+    return gap == std::string::npos ? line : line.substr(gap + 2);
 }
 
 }  // namespace
 
-TEST(Voractl, ListShowsEveryItemWithItsValue) {
+TEST(Voractl, ListGroupsItemsByBlockAndGroup) {
     const ToolResult r = Voractl({"--sim", "list"});
     EXPECT_EQ(0, r.status) << r.err;
     EXPECT_EQ("", r.err);
-    EXPECT_EQ(0u, r.out.find("ID         BLOCK                 GROUP"));
-    // Columns are as wide as their widest entry, so look at the row alone.
-    const size_t row = r.out.find("\n0x1010402  Platform Information  -  ");
-    ASSERT_NE(std::string::npos, row);
-    const std::string line = r.out.substr(row, r.out.find('\n', row + 1) - row);
-    EXPECT_NE(std::string::npos, line.find("Board name"));
-    EXPECT_NE(std::string::npos, r.out.find("VB-4410"));
+    // Headings for each block and group, in document order, items below.
+    EXPECT_EQ(0u, r.out.find("Platform Information\n    0x1010101  Spec version  "));
+    size_t at = 0;
+    for (const char* heading : {"\nHardware Monitor\n  Voltage\n    0x1020201  VCORE  ",
+                                "\n  Temperature\n    0x1020101  CPU  ", "\nGPIO\n  DI0\n",
+                                "\nBacklight\n  LVDS\n", "\nOOB-Network\n  OOBNetwork0\n"}) {
+        const size_t next = r.out.find(heading, at);
+        EXPECT_NE(std::string::npos, next) << heading;
+        at = next == std::string::npos ? at : next;
+    }
+    // Columns line up: every value starts where the board name's does.
+    const std::vector<std::string> lines = Lines(r.out);
+    const size_t column = r.out.find("VB-4410") - r.out.rfind('\n', r.out.find("VB-4410")) - 1;
+    for (const std::string& line : lines) {
+        if (line.rfind("    0x", 0) == 0) {
+            EXPECT_EQ(' ', line[column - 1]) << line;
+            EXPECT_NE(' ', line[column]) << line;
+        }
+    }
     EXPECT_NE(std::string::npos, r.out.find("1342 times"));
     EXPECT_NE(std::string::npos, r.out.find("Asset tag"));
+}
+
+TEST(Voractl, ListMarksReadOnlyItems) {
+    const ToolResult r = Voractl({"--sim", "list"});
+    ASSERT_EQ(0, r.status) << r.err;
+    const std::vector<std::string> lines = Lines(r.out);
+    auto lineOf = [&](const char* id) {
+        for (const std::string& line : lines) {
+            if (line.find(id) != std::string::npos) {
+                return line;
+            }
+        }
+        return std::string();
+    };
+    EXPECT_NE(std::string::npos, lineOf("0x1040201  Dir").find("  in  ")) ;
+    EXPECT_EQ("read-only", Last(lineOf("0x1040201")));   // DI0's direction
+    EXPECT_EQ("read-only", Last(lineOf("0x1020201")));   // a voltage
+    EXPECT_EQ("high", Last(lineOf("0x1040304")));        // DO1's level is settable
+    EXPECT_EQ("80", Last(lineOf("0x1050501")));          // brightness too
 }
 
 TEST(Voractl, GetByPathAndById) {
@@ -79,13 +114,12 @@ TEST(Voractl, NetworkItemsAreListedAsTextAndSetByPath) {
     ToolResult r = Voractl({"--sim", "list"});
     EXPECT_EQ(0, r.status) << r.err;
     // The texts show without their "HEX" and "DEC" hints.
-    for (const char* row : {"Network MAC address             00:0B:AB:12:34:5F  ",
-                            "Modified device IP              192.168.10.20  ",
-                            "Server IP/Port                  192.168.10.5:623  ",
-                            "Network host name               vb4410-bmc  "}) {
+    for (const char* row : {"0x10B0004  Network MAC address             00:0B:AB:12:34:5F\n",
+                            "0x10B0005  Modified device IP              192.168.10.20\n",
+                            "0x10B0010  Server IP/Port                  192.168.10.5:623  ",
+                            "0x10B0003  Network host name               vb4410-bmc\n"}) {
         EXPECT_NE(std::string::npos, r.out.find(row)) << row;
     }
-    EXPECT_NE(std::string::npos, r.out.find("0x10B0004  OOB-Network           OOBNetwork0  "));
 
     for (const auto& [item, value] : {
              std::pair{"OOB-Network/OOBNetwork0/Modified device IP", "192.168.1.20"},
@@ -155,9 +189,12 @@ TEST(Voractl, ProfileAndModuleOptions) {
 TEST(Voractl, ListShowsUnitsAndStatesInWords) {
     const ToolResult r = Voractl({"--sim", "list"});
     EXPECT_EQ(0, r.status) << r.err;
-    for (const char* text : {"Hardware Monitor      Temperature", "48.5 °C", "1.05 V", "2400 RPM",
-                             "1.25 A", "Chassis intrusion", "DI0", "high", "low", "in ", "out",
-                             "200 Hz", "on ", "Relay K1 coil driver, 24 V iso*"}) {
+    // Readings the way `sensors` shows them; two-state values in words.
+    for (const char* text : {"CPU                             +48.5 °C ", " 1.050 V ", " 2400 RPM ",
+                             " 1.250 A ", " 12.096 V ", "Chassis intrusion", "18766 hours",
+                             "Dir                             in ", "Level                           high",
+                             "low", "out", "200 Hz", "Backlight                       on",
+                             "  Relay K1 coil driver, 24 V iso*\n"}) {
         EXPECT_NE(std::string::npos, r.out.find(text)) << text;
     }
 }
@@ -186,20 +223,22 @@ TEST(Voractl, ThirdGenerationListShowsEveryItem) {
     const ToolResult r = Voractl({"--sim", "--sim-generation", "3", "list"});
     EXPECT_EQ(0, r.status) << r.err;
     EXPECT_EQ("", r.err);
-    // Header, 3 information items, 9 sensors, 8 pins of two items, 1 brightness.
-    EXPECT_EQ(1 + 3 + 9 + 16 + 1, std::count(r.out.begin(), r.out.end(), '\n'));
+    // 3 information items, 9 sensors, 8 pins of two items, 1 brightness.
+    EXPECT_EQ(3 + 9 + 16 + 1, ItemLines(r.out));
     for (const char* text :
-         {"0x1010402  Platform Information  -            Board name      VB-3200",
-          "0x1010405  Platform Information  -            BIOS revision   3.20.R14",
-          "0x1010201  Platform Information  -            Driver version  3.2",
-          "0x1020203  Hardware Monitor      Voltage      V3.3            3.304 V",
-          "0x1020208  Hardware Monitor      Voltage      VBAT            3.041 V",
-          "0x1020103  Hardware Monitor      Temperature  AUX", "52.3 °C",
-          "0x1020302  Hardware Monitor      Fan Speed    System          1420 RPM",
-          "0x1040201  GPIO                  GPIO0        Dir             in        r",
-          "0x1040304  GPIO                  GPIO3        Level           low       rw",
-          "0x1040308  GPIO                  GPIO7        Level           low       rw",
-          "0x1050501  Backlight             VGA          Brightness      70        rw"}) {
+         {"Platform Information\n", "    0x1010402  Board name      VB-3200   read-only\n",
+          "    0x1010405  BIOS revision   3.20.R14  read-only\n",
+          "    0x1010201  Driver version  3.2       read-only\n",
+          "\nHardware Monitor\n  Voltage\n",
+          "    0x1020203  V3.3            3.304 V   read-only\n",
+          "    0x1020208  VBAT            3.041 V   read-only\n",
+          "    0x1020103  AUX             +38.0 °C  read-only\n", "+52.3 °C",
+          "  Fan Speed\n", "    0x1020302  System          1420 RPM  read-only\n",
+          "\nGPIO\n  GPIO0\n    0x1040201  Dir             in        read-only\n",
+          "  GPIO3\n    0x1040204  Dir             out       read-only\n"
+          "    0x1040304  Level           low\n",
+          "    0x1040308  Level           low\n",
+          "\nBacklight\n  VGA\n    0x1050501  Brightness      70\n"}) {
         EXPECT_NE(std::string::npos, r.out.find(text)) << text;
     }
 }
@@ -232,14 +271,14 @@ TEST(Voractl, EApiBoardListsEveryItemAndTakesWrites) {
     const ToolResult r = Voractl({"--sim", "--sim-generation", "eapi", "list"});
     EXPECT_EQ(0, r.status) << r.err;
     EXPECT_EQ("", r.err);
-    // A header and 13 + 9 + 12 + 4 items.
-    EXPECT_EQ(39, std::count(r.out.begin(), r.out.end(), '\n')) << r.out;
+    // 13 + 9 + 12 + 4 items.
+    EXPECT_EQ(38, ItemLines(r.out)) << r.out;
     for (const char* text :
-         {"0x1010402  Platform Information  -            Board name                  VB-2150  ",
-          "VOR, 0x215", "2.3.9", "0x1020201  Hardware Monitor      Voltage      V5", "12.05 V",
-          "3189 °C", "3100 RPM", "0.84 A", "GPIO5",
-          "Backlight 2  Backlight                   on",
-          "Backlight 2  Brightness                  100"}) {
+         {"    0x1010402  Board name                  VB-2150              read-only\n",
+          "VOR, 0x215", "2.3.9", "    0x1020201  V5                          5.034 V ",
+          "12.050 V", "+3189.0 °C", "3100 RPM", "0.840 A", "  GPIO5\n",
+          "  Backlight 2\n    0x1050402  Backlight                   on\n"
+          "    0x1050502  Brightness                  100\n"}) {
         EXPECT_NE(std::string::npos, r.out.find(text)) << text;
     }
     for (const char* text : {"Unknown", "Board manufacturer", "Board serial number",

@@ -9,6 +9,7 @@
 
 #include "Items.h"
 #include "Module.h"
+#include "Style.h"
 
 namespace voractl {
 
@@ -18,6 +19,7 @@ struct Context {
     std::vector<Item> items;    // its items
     std::FILE* out;             // voractl's own output
     bool json = false;          // machine-readable output
+    Style style;                // colour, for people
 };
 
 // Each returns the exit status: 0, or 1 when the module or board failed.

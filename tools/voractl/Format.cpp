@@ -49,6 +49,9 @@ std::string UnitText(const std::string& unit) {
     if (unit == "Cel") {
         return "°C";
     }
+    if (unit == "hour") {
+        return "hours";
+    }
     // "HEX" and "DEC" say how the numbers inside a network text are
     // written; the text shows that by itself. "Step" is a brightness step.
     if (unit == "info" || unit == "Step" || unit == "HEX" || unit == "DEC") {
@@ -65,11 +68,25 @@ std::string DisplayValue(const json_t* value, const std::string& unit) {
     };
     static const TwoState kTwoStates[] = {
         {"I/O", "in", "out"}, {"H/L", "high", "low"}, {"ON/OFF", "on", "off"}};
+    // Sensor readings as `sensors` shows them: "+48.5 °C", "1.050 V".
+    struct Reading {
+        const char* unit;
+        const char* format;
+    };
+    static const Reading kReadings[] = {
+        {"Cel", "%+.1f °C"}, {"V", "%.3f V"}, {"A", "%.3f A"}, {"RPM", "%.0f RPM"}};
     if (json_is_number(value)) {
         const double v = json_number_value(value);
         for (const TwoState& two : kTwoStates) {
             if (unit == two.unit && (v == 0.0 || v == 1.0)) {
                 return v == 1.0 ? two.one : two.zero;
+            }
+        }
+        for (const Reading& reading : kReadings) {
+            if (unit == reading.unit) {
+                char text[64];
+                std::snprintf(text, sizeof text, reading.format, v);
+                return text;
             }
         }
     }

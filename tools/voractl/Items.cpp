@@ -129,6 +129,46 @@ Item FindItem(const std::vector<Item>& items, const std::string& spec, const cha
     return item;
 }
 
+std::vector<Item> SelectItems(const std::vector<Item>& items,
+                              const std::vector<std::string>& specs) {
+    std::vector<bool> chosen(items.size(), false);
+    for (std::string spec : specs) {
+        const bool id = spec.rfind("0x", 0) == 0 || spec.rfind("0X", 0) == 0;
+        bool any = false;
+        for (size_t i = 0; i < items.size() && !id; ++i) {
+            if (items[i].path() == spec) {
+                chosen[i] = any = true;
+            }
+        }
+        if (id || any) {
+            // An id, or a path that more than one item has: FindItem says why.
+            const Item found = FindItem(items, spec, nullptr);
+            for (size_t i = 0; i < items.size(); ++i) {
+                chosen[i] = chosen[i] || (items[i].id == found.id && items[i].path() == found.path());
+            }
+            continue;
+        }
+        while (!spec.empty() && spec.back() == '/') {
+            spec.pop_back();
+        }
+        for (size_t i = 0; i < items.size(); ++i) {
+            if (!spec.empty() && items[i].path().rfind(spec + "/", 0) == 0) {
+                chosen[i] = any = true;
+            }
+        }
+        if (!any) {
+            throw ToolError("no item or group \"" + spec + "\" (see voractl list)", true);
+        }
+    }
+    std::vector<Item> selected;
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (chosen[i]) {
+            selected.push_back(items[i]);
+        }
+    }
+    return selected;
+}
+
 json_t* EmptyValue(json_type type) {
     switch (type) {
         case JSON_REAL: return json_real(0.0);

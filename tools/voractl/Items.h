@@ -31,6 +31,13 @@ std::vector<Item> CollectItems(const json_t* document);
 // document does not publish when `type` is given: that id is read as is.
 Item FindItem(const std::vector<Item>& items, const std::string& spec, const char* type);
 
+// The items `specs` name, in document order and each once: an id or exact
+// path names one item, else a spec is a block or group ("Hardware Monitor",
+// "Hardware Monitor/Voltage") and names every item under it. A spec that
+// names nothing throws a usage ToolError.
+std::vector<Item> SelectItems(const std::vector<Item>& items,
+                              const std::vector<std::string>& specs);
+
 // The JSON type named by --type ("int", "real", "string"); throws otherwise.
 json_type ParseType(const std::string& name);
 

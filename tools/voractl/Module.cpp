@@ -63,8 +63,12 @@ std::string ExecutableDirectory() {
     return text.substr(0, text.rfind('/'));
 }
 
+std::string InstalledPath(const std::string& path) {
+    return path.rfind('/', 0) == 0 ? path : ExecutableDirectory() + "/" + path;
+}
+
 std::string DefaultModulePath() {
-    const std::string installed = ExecutableDirectory() + "/" VORACTL_INSTALLED_MODULE;
+    const std::string installed = InstalledPath(VORACTL_INSTALLED_MODULE);
     if (access(installed.c_str(), R_OK) == 0) {
         return installed;
     }

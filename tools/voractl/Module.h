@@ -43,4 +43,8 @@ std::string DefaultModulePath();
 // Directory of the running voractl.
 std::string ExecutableDirectory();
 
+// An installed file's path: `path` itself when absolute, else taken from the
+// directory of the running voractl.
+std::string InstalledPath(const std::string& path);
+
 }  // namespace voractl

@@ -21,7 +21,7 @@ namespace {
 constexpr const char* kMarker = "VORACTL_SIMULATED";
 
 std::string SimulatorDirectory() {
-    const std::string installed = ExecutableDirectory() + "/" VORACTL_INSTALLED_SIM_DIR;
+    const std::string installed = InstalledPath(VORACTL_INSTALLED_SIM_DIR);
     if (access((installed + "/libvoraredirect.so").c_str(), R_OK) == 0) {
         return installed;
     }

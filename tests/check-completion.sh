@@ -1,0 +1,49 @@
+#!/usr/bin/env bash
+# The bash completion of voractl: commands, options and their values, and
+# item and group paths read through the built voractl from the simulator.
+#   check-completion.sh COMPLETION_FILE VORACTL
+set -uo pipefail
+source "$1"
+voractl=$2
+dir=$(mktemp -d /tmp/vtest-completion-XXXXXX)
+trap 'rm -rf "$dir"' EXIT
+export VORA_SIM_STATE=$dir/board.json VORA_SIM_TIME=0
+failures=0
+
+# expect "REPLY|REPLY|..." WORD... CURRENT: the words as bash hands them over
+expect() {
+    local wanted=$1
+    shift
+    COMP_WORDS=("$voractl" "$@")
+    COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
+    COMPREPLY=()
+    _voractl
+    local got
+    got=$(IFS='|'; echo "${COMPREPLY[*]}")
+    if [[ $got != "$wanted" ]]; then
+        echo "FAIL: '$*' completes to '$got', not '$wanted'"
+        failures=$((failures + 1))
+    fi
+}
+
+expect "list" l
+expect "export" --sim e
+expect "4|3|eapi" --sim-generation ""
+expect "auto|always" --color = a
+expect "prometheus" --sim export --format p
+expect "int|real|string" --sim get --type ""
+expect "--count" --sim watch --c
+expect 'Platform\ Information/Board\ name' --sim get 'Platform\ Information/Board\ n'
+expect 'Hardware\ Monitor/Fan\ Speed/CPU|Hardware\ Monitor/Fan\ Speed/System' \
+    --sim get 'Hardware\ Monitor/Fan'
+expect '"Hardware Monitor/Voltage|"Hardware Monitor/Voltage/VCORE|"Hardware Monitor/Voltage/V3.3|"Hardware Monitor/Voltage/V5|"Hardware Monitor/Voltage/V12|"Hardware Monitor/Voltage/V5SB|"Hardware Monitor/Voltage/VBAT|"Hardware Monitor/Voltage/V1.05' \
+    --sim watch '"Hardware Monitor/V'
+expect 'GPIO/DO0|GPIO/DO0/Dir|GPIO/DO0/Level|GPIO/DO1|GPIO/DO1/Dir|GPIO/DO1/Level' \
+    --sim watch GPIO/DO
+expect "" --sim set GPIO/DO1/Level ""
+expect "" --sim --sim-generation 7 get V
+
+if [[ $failures -gt 0 ]]; then
+    exit 1
+fi
+echo "completion: all cases pass"

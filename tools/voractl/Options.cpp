@@ -1,0 +1,264 @@
+#include "Options.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <set>
+
+#include "Format.h"
+#include "Items.h"
+
+namespace voractl {
+
+namespace {
+
+const char kUsage[] =
+    "Usage: voractl [OPTIONS] COMMAND [ARGS]\n"
+    "\n"
+    "Inspect and drive a board through the VORADrv driver module.\n"
+    "\n"
+    "Commands:\n"
+    "  caps                              print the capability document\n"
+    "  list [--json]                     every item with its current value\n"
+    "  get [--json] [--type T] ITEM...   read items\n"
+    "  set [--json] [--type T] ITEM VALUE\n"
+    "                                    write an item\n"
+    "  watch [--json] [--interval S] [--count N] [ITEM|GROUP...]\n"
+    "                                    follow readings live (default: every\n"
+    "                                    hardware-monitor sensor)\n"
+    "  export --format senml|prometheus [--output FILE]\n"
+    "                                    every readable item for monitoring\n"
+    "\n"
+    "ITEM is an item id (0x1020201) or a path as \"list\" shows it, for example\n"
+    "\"Hardware Monitor/Voltage/VCORE\" or \"Platform Information/Board name\".\n"
+    "\n"
+    "Options:\n"
+    "  --module PATH          the module to load (default: the installed one,\n"
+    "                         else the one in the build tree)\n"
+    "  --sim[=PROFILE]        run against the board simulator; PROFILE is a board\n"
+    "                         profile file (default: the simulated library's board)\n"
+    "  --sim-generation GEN   simulated board library: 4 (default), 3 or eapi\n"
+    "  --sim-reset            start the simulated board again from its profile\n"
+    "  --color[=WHEN]         colour the output: auto (default: on a terminal),\n"
+    "                         always or never; NO_COLOR in the environment turns\n"
+    "                         colour off whatever WHEN says\n"
+    "  -h, --help             show this help; \"voractl COMMAND --help\" for a command\n"
+    "\n"
+    "The simulated board keeps what is written to it from one run to the next\n"
+    "(in $XDG_RUNTIME_DIR, else /tmp/voractl-UID; VORA_SIM_STATE names another\n"
+    "file) until its profile changes or --sim-reset is given.\n"
+    "\n"
+    "The module's own diagnostics go to standard output as the module prints them\n"
+    "(to standard error with --json and for an export to standard output, so the\n"
+    "output stays whole); voractl's errors go to standard error.\n"
+    "\n"
+    "Exit status: 0 success, 1 the module or the board reported a failure,\n"
+    "2 usage error.\n";
+
+struct CommandSpec {
+    const char* help;
+    std::set<std::string> options;  // the options the command takes
+    size_t minArguments;
+    size_t maxArguments;
+};
+
+const std::map<std::string, CommandSpec> kCommands = {
+    {"caps",
+     {"Usage: voractl caps\n\nPrint the capability document the module publishes, as indented "
+      "JSON.\n",
+      {"--json"}, 0, 0}},
+    {"list",
+     {"Usage: voractl list [--json]\n\nRead every item of the capability document and show "
+      "them grouped by block\nand group: id, name, current value with its unit, and "
+      "\"read-only\" for an item\nthat cannot be set. \"N/A\" stands for a value that could not "
+      "be read.\n\n"
+      "  --json   print a JSON array of records instead; an unreadable value is\n"
+      "           null, with an \"error\" member beside it\n",
+      {"--json"}, 0, 0}},
+    {"get",
+     {"Usage: voractl get [--json] [--type int|real|string] ITEM...\n\nRead items and print "
+      "their values, one per line (with the item's path when\nthere are several).\n\n"
+      "  --json   print JSON records as \"list --json\" does\n"
+      "  --type   the JSON type to read with; needed for an id the capability\n"
+      "           document does not publish\n",
+      {"--json", "--type"}, 1, SIZE_MAX}},
+    {"set",
+     {"Usage: voractl set [--json] [--type int|real|string] ITEM VALUE\n\nWrite VALUE to ITEM. "
+      "The value is passed to the module as the JSON type of the\nitem's element in the "
+      "capability document (\"v\": real or integer, \"sv\":\nstring, \"bv\": integer) unless "
+      "--type says otherwise. The board library\ndecides whether the value is accepted.\n\n"
+      "  --json   print the item's record, read back after the write\n",
+      {"--json", "--type"}, 2, 2}},
+    {"watch",
+     {"Usage: voractl watch [--json] [--interval SECONDS] [--count N] [ITEM|GROUP...]\n\n"
+      "Read the items again and again: on a terminal the table is redrawn in place,\n"
+      "otherwise each sample is one line with its time. A value that changed since\n"
+      "the sample before is marked with \"*\". Ctrl-C ends the watch.\n\n"
+      "ITEM is an id or path; GROUP is a block or group path such as \"GPIO\" or\n"
+      "\"Hardware Monitor/Voltage\". Without any, every hardware-monitor sensor.\n\n"
+      "  --interval  seconds between samples (default 2; fractions allowed)\n"
+      "  --count     stop after N samples (default: until interrupted)\n"
+      "  --json      one JSON document per line and sample: {\"time\", \"items\"},\n"
+      "              the items as \"list --json\" records with \"changed\"\n",
+      {"--json", "--interval", "--count"}, 0, SIZE_MAX}},
+    {"export",
+     {"Usage: voractl export --format senml|prometheus [--output FILE]\n\n"
+      "Read every item and write the readable ones for a monitoring system:\n\n"
+      "  senml        a SenML pack (RFC 8428): a JSON array of records\n"
+      "  prometheus   the Prometheus text format, for node_exporter's textfile\n"
+      "               collector (metric names start with voradrv_)\n\n"
+      "  --output FILE  write FILE atomically (a temporary file renamed over it),\n"
+      "                 so that a reader never sees half an export; default:\n"
+      "                 standard output\n\n"
+      "An item that cannot be read is left out and named on standard error, and\n"
+      "the exit status is 1; the rest is still written.\n",
+      {"--format", "--output"}, 0, 0}},
+};
+
+[[noreturn]] void PrintHelp(const char* text) {
+    std::fputs(text, stdout);
+    std::exit(0);
+}
+
+// The value of an option given as "--name VALUE" or "--name=VALUE".
+bool OptionValue(const std::string& arg, const char* name, int& i, int argc, char** argv,
+                 std::string& value) {
+    const std::string prefix = std::string(name) + "=";
+    if (arg.rfind(prefix, 0) == 0) {
+        value = arg.substr(prefix.size());
+        return true;
+    }
+    if (arg != name) {
+        return false;
+    }
+    if (i + 1 >= argc) {
+        throw ToolError(std::string(name) + " needs a value", true);
+    }
+    value = argv[++i];
+    return true;
+}
+
+double ParseInterval(const std::string& text) {
+    char* end = nullptr;
+    errno = 0;
+    const double seconds = std::strtod(text.c_str(), &end);
+    if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(seconds) ||
+        seconds < 0.01 || seconds > 86400.0) {
+        throw ToolError("--interval must be a number of seconds from 0.01 to 86400, not \"" +
+                        text + "\"", true);
+    }
+    return seconds;
+}
+
+long ParseCount(const std::string& text) {
+    char* end = nullptr;
+    errno = 0;
+    const long count = std::strtol(text.c_str(), &end, 10);
+    if (text.empty() || *end != '\0' || errno != 0 || count < 1) {
+        throw ToolError("--count must be a whole number from 1, not \"" + text + "\"", true);
+    }
+    return count;
+}
+
+// The command's own options and arguments, from argv[i] on.
+void ParseCommand(Options& options, int i, int argc, char** argv) {
+    const CommandSpec& command = kCommands.at(options.command);
+    for (; i < argc; ++i) {
+        const std::string arg = argv[i];
+        const std::string name = arg.substr(0, arg.find('='));
+        std::string value;
+        if (arg == "-h" || arg == "--help") {
+            PrintHelp(command.help);
+        } else if (arg == "--") {
+            options.arguments.insert(options.arguments.end(), argv + i + 1, argv + argc);
+            break;
+        } else if (arg.rfind("--", 0) != 0 || arg.size() == 2) {
+            options.arguments.push_back(arg);
+        } else if (command.options.count(name) == 0) {
+            throw ToolError("unknown option " + name + " for " + options.command, true);
+        } else if (arg == "--json") {
+            options.json = true;
+        } else if (OptionValue(arg, "--type", i, argc, argv, value)) {
+            ParseType(value);
+            options.type = argv[i] + (arg == "--type" ? 0 : std::strlen("--type="));
+        } else if (OptionValue(arg, "--interval", i, argc, argv, value)) {
+            options.interval = ParseInterval(value);
+        } else if (OptionValue(arg, "--count", i, argc, argv, value)) {
+            options.count = ParseCount(value);
+        } else if (OptionValue(arg, "--format", i, argc, argv, value)) {
+            if (value != "senml" && value != "prometheus") {
+                throw ToolError("--format must be senml or prometheus, not \"" + value + "\"",
+                                true);
+            }
+            options.format = value;
+        } else if (OptionValue(arg, "--output", i, argc, argv, value)) {
+            if (value.empty()) {
+                throw ToolError("--output needs a file name", true);
+            }
+            options.output = value;
+        } else {
+            throw ToolError(name + " takes no value", true);
+        }
+    }
+    const size_t n = options.arguments.size();
+    if (n < command.minArguments || n > command.maxArguments) {
+        const char* wanted = options.command == "get"   ? "get needs at least one ITEM"
+                             : options.command == "set" ? "set needs ITEM and VALUE"
+                                                        : nullptr;
+        throw ToolError(wanted != nullptr ? wanted : options.command + " takes no arguments",
+                        true);
+    }
+    if (options.command == "export" && options.format.empty()) {
+        throw ToolError("export needs --format senml or --format prometheus", true);
+    }
+}
+
+}  // namespace
+
+Options ParseOptions(int argc, char** argv) {
+    Options options;
+    int i = 1;
+    for (; i < argc; ++i) {
+        const std::string arg = argv[i];
+        std::string value;
+        if (arg == "-h" || arg == "--help") {
+            PrintHelp(kUsage);
+        } else if (OptionValue(arg, "--module", i, argc, argv, value)) {
+            options.modulePath = value;
+        } else if (arg == "--sim") {
+            options.simulation.enabled = true;
+        } else if (arg.rfind("--sim=", 0) == 0) {
+            options.simulation.enabled = true;
+            options.simulation.profile = arg.substr(6);
+        } else if (OptionValue(arg, "--sim-generation", i, argc, argv, value)) {
+            options.simulation.generation = value;
+        } else if (arg == "--sim-reset") {
+            options.simulation.reset = true;
+        } else if (arg == "--color") {
+            options.color = ColorMode::Always;
+        } else if (arg.rfind("--color=", 0) == 0) {
+            options.color = ParseColorMode(arg.substr(8));
+        } else if (arg.rfind("-", 0) == 0) {
+            throw ToolError("unknown option " + arg, true);
+        } else {
+            break;
+        }
+    }
+    if (i >= argc) {
+        throw ToolError("no command given (see voractl --help)", true);
+    }
+    options.command = argv[i++];
+    if (options.command == "help") {
+        PrintHelp(i < argc && kCommands.count(argv[i]) ? kCommands.at(argv[i]).help : kUsage);
+    }
+    if (kCommands.count(options.command) == 0) {
+        throw ToolError("unknown command \"" + options.command + "\" (see voractl --help)", true);
+    }
+    ParseCommand(options, i, argc, argv);
+    return options;
+}
+
+}  // namespace voractl

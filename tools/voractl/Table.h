@@ -1,0 +1,38 @@
+// The items as a table grouped by block and group, the way `list` and
+// `watch` show them to people:
+//
+//   Hardware Monitor
+//     Voltage
+//       0x1020201  VCORE  1.050 V  read-only
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Items.h"
+#include "Style.h"
+
+namespace voractl {
+
+struct TableRow {
+    const Item* item = nullptr;
+    std::string value;     // as people read it
+    bool failed = false;   // the value could not be read
+    bool changed = false;  // the value differs from the previous sample
+};
+
+struct TableColumns {
+    bool id = true;        // the item id before the name
+    bool changed = false;  // a "*" after a changed value
+    bool access = true;    // "read-only" after a value that cannot be set
+};
+
+// The table's lines, without line ends. Rows come in document order, so
+// the items of a block and of a group follow each other.
+std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const TableColumns& columns,
+                                   const Style& style);
+
+// The display width of UTF-8 text: its number of characters.
+size_t DisplayWidth(const std::string& text);
+
+}  // namespace voractl

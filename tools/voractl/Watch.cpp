@@ -1,0 +1,291 @@
+#include "Watch.h"
+
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <signal.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cmath>
+#include <csignal>
+#include <ctime>
+#include <cstring>
+#include <map>
+
+#include "Format.h"
+#include "Reading.h"
+#include "Table.h"
+
+namespace voractl {
+
+namespace {
+
+volatile std::sig_atomic_t gStop = 0;
+
+void OnStopSignal(int) { gStop = 1; }
+
+// SIGINT and SIGTERM end the watch between samples, so the module is
+// uninitialised on the way out; a reader that goes away (SIGPIPE) shows as a
+// failed write instead of killing the process.
+class StopSignals {
+public:
+    StopSignals() {
+        gStop = 0;
+        struct sigaction action {};
+        action.sa_handler = OnStopSignal;
+        action.sa_flags = SA_RESTART;  // the module's reads go on; the sleep ends
+        sigemptyset(&action.sa_mask);
+        sigaction(SIGINT, &action, &oldInt_);
+        sigaction(SIGTERM, &action, &oldTerm_);
+        struct sigaction ignore {};
+        ignore.sa_handler = SIG_IGN;
+        sigemptyset(&ignore.sa_mask);
+        sigaction(SIGPIPE, &ignore, &oldPipe_);
+    }
+    ~StopSignals() {
+        sigaction(SIGINT, &oldInt_, nullptr);
+        sigaction(SIGTERM, &oldTerm_, nullptr);
+        sigaction(SIGPIPE, &oldPipe_, nullptr);
+    }
+    StopSignals(const StopSignals&) = delete;
+    StopSignals& operator=(const StopSignals&) = delete;
+
+    // Waits until `deadline` (monotonic clock) or a stop signal. The signals
+    // are blocked from the check to the wait, which unblocks them, so none
+    // is missed between the two.
+    static void sleepUntil(const timespec& deadline) {
+        sigset_t stops;
+        sigset_t previous;
+        sigemptyset(&stops);
+        sigaddset(&stops, SIGINT);
+        sigaddset(&stops, SIGTERM);
+        sigprocmask(SIG_BLOCK, &stops, &previous);
+        for (;;) {
+            timespec now;
+            clock_gettime(CLOCK_MONOTONIC, &now);
+            long long left = (deadline.tv_sec - now.tv_sec) * 1000000000LL +
+                             (deadline.tv_nsec - now.tv_nsec);
+            if (gStop || left <= 0) {
+                break;
+            }
+            const timespec wait{static_cast<time_t>(left / 1000000000LL),
+                                static_cast<long>(left % 1000000000LL)};
+            ppoll(nullptr, 0, &wait, &previous);
+        }
+        sigprocmask(SIG_SETMASK, &previous, nullptr);
+    }
+
+private:
+    struct sigaction oldInt_ {};
+    struct sigaction oldTerm_ {};
+    struct sigaction oldPipe_ {};
+};
+
+// "2025-11-21T14:02:03.250+01:00", local time.
+std::string Timestamp() {
+    timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    struct tm local {};
+    localtime_r(&now.tv_sec, &local);
+    char date[32];
+    char zone[8];
+    std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &local);
+    std::strftime(zone, sizeof zone, "%z", &local);  // "+0100"
+    char text[64];
+    std::snprintf(text, sizeof text, "%s.%03ld%.3s:%s", date, now.tv_nsec / 1000000, zone,
+                  zone + 3);
+    return text;
+}
+
+// How each item is named on a sample line: "Group/Name" where that is
+// unique among the watched items, else its whole path.
+std::vector<std::string> Labels(const std::vector<Item>& items) {
+    auto shortName = [](const Item& item) {
+        return item.group.empty() ? item.path() : item.group + "/" + item.name;
+    };
+    std::map<std::string, int> uses;
+    for (const Item& item : items) {
+        ++uses[shortName(item)];
+    }
+    std::vector<std::string> labels;
+    for (const Item& item : items) {
+        labels.push_back(uses[shortName(item)] == 1 ? shortName(item) : item.path());
+    }
+    return labels;
+}
+
+bool Differs(const Reading& now, const Reading* before) {
+    if (before == nullptr) {
+        return false;
+    }
+    if (!now.value || !before->value) {
+        return !now.value != !before->value;
+    }
+    return !json_equal(now.value.get(), before->value.get());
+}
+
+class Sampler {
+public:
+    Sampler(Context& context, std::vector<Item> items, double interval)
+        : context_(context), items_(std::move(items)), labels_(Labels(items_)),
+          interval_(interval),
+          redraw_(!context.json && isatty(fileno(context.out)) == 1) {}
+
+    // Draws one sample; false when the output is gone.
+    bool sample() {
+        std::vector<Reading> readings = ReadAll(context_.module, items_);
+        std::vector<bool> changed;
+        for (size_t i = 0; i < readings.size(); ++i) {
+            changed.push_back(Differs(readings[i], previous_.empty() ? nullptr : &previous_[i]));
+        }
+        if (context_.json) {
+            printJson(readings, changed);
+        } else if (redraw_) {
+            printScreen(readings, changed);
+        } else {
+            printLine(readings, changed);
+        }
+        previous_ = std::move(readings);
+        return flush();
+    }
+
+    // Leaves the terminal as it was found.
+    void finish() {
+        if (redraw_) {
+            std::fputs("\033[?25h", context_.out);
+            flush();
+        }
+    }
+
+private:
+    void printJson(const std::vector<Reading>& readings, const std::vector<bool>& changed) {
+        JsonPtr items = Own(json_array());
+        for (size_t i = 0; i < readings.size(); ++i) {
+            json_t* record = ReadingJson(readings[i]);
+            json_object_set_new(record, "changed", json_boolean(changed[i]));
+            json_array_append_new(items.get(), record);  // the array takes the record
+        }
+        JsonPtr sample = Own(json_pack("{s:s, s:O}", "time", Timestamp().c_str(), "items",
+                                       items.get()));
+        json_dumpf(sample.get(), context_.out, JSON_COMPACT);
+        std::fputc('\n', context_.out);
+    }
+
+    void printLine(const std::vector<Reading>& readings, const std::vector<bool>& changed) {
+        std::string line = Timestamp();
+        for (size_t i = 0; i < readings.size(); ++i) {
+            line += "  " + labels_[i] + "=" + ShownValue(readings[i]) + (changed[i] ? "*" : "");
+        }
+        std::fprintf(context_.out, "%s\n", line.c_str());
+    }
+
+    void printScreen(const std::vector<Reading>& readings, const std::vector<bool>& changed) {
+        std::vector<TableRow> rows;
+        for (size_t i = 0; i < readings.size(); ++i) {
+            rows.push_back(TableRow{readings[i].item, ShownValue(readings[i]),
+                                    !readings[i].value, changed[i]});
+        }
+        char every[64];
+        std::snprintf(every, sizeof every, "Every %gs", interval_);
+        // Home, draw each line over the old one, clear what is left below.
+        std::string screen = first_ ? "\033[?25l\033[H\033[2J" : "\033[H";
+        first_ = false;
+        screen += context_.style.heading(every) + "  " + Timestamp() +
+                  "  (Ctrl-C ends)\033[K\n\033[K\n";
+        const TableColumns columns{false, true, false};
+        std::vector<std::string> lines = ItemTable(rows, columns, context_.style);
+        // A table taller than the terminal would scroll, and the next
+        // sample would be drawn over the wrong lines: it is cut to fit.
+        winsize size{};
+        const size_t room = ioctl(fileno(context_.out), TIOCGWINSZ, &size) == 0 && size.ws_row > 3
+                                ? size.ws_row - 3u
+                                : lines.size();
+        if (lines.size() > room) {
+            const size_t more = lines.size() - room + 1;
+            lines.resize(room - 1);
+            lines.push_back(context_.style.dim("... " + std::to_string(more) +
+                                               " more lines (a taller terminal, or fewer items)"));
+        }
+        for (const std::string& line : lines) {
+            screen += line + "\033[K\n";
+        }
+        screen += "\033[J";
+        std::fputs(screen.c_str(), context_.out);
+    }
+
+    bool flush() {
+        if (std::fflush(context_.out) == 0 && !std::ferror(context_.out)) {
+            return true;
+        }
+        if (errno == EPIPE) {
+            return false;
+        }
+        throw ToolError(std::string("cannot write the output: ") + std::strerror(errno));
+    }
+
+    Context& context_;
+    const std::vector<Item> items_;
+    const std::vector<std::string> labels_;
+    const double interval_;
+    const bool redraw_;
+    bool first_ = true;
+    std::vector<Reading> previous_;
+};
+
+timespec Add(timespec at, double seconds) {
+    const double whole = std::floor(seconds);
+    at.tv_sec += static_cast<time_t>(whole);
+    at.tv_nsec += static_cast<long>((seconds - whole) * 1e9);
+    if (at.tv_nsec >= 1000000000L) {
+        at.tv_sec += 1;
+        at.tv_nsec -= 1000000000L;
+    }
+    return at;
+}
+
+}  // namespace
+
+int Watch(Context& context, const std::vector<std::string>& specs, double interval, long count) {
+    std::vector<Item> items;
+    if (!specs.empty()) {
+        items = SelectItems(context.items, specs);
+    } else {
+        for (const Item& item : context.items) {
+            if (item.block == "Hardware Monitor") {
+                items.push_back(item);
+            }
+        }
+        if (items.empty()) {
+            throw ToolError("the board has no hardware-monitor sensors; name the items to watch");
+        }
+    }
+    StopSignals signals;
+    Sampler sampler(context, std::move(items), interval);
+    timespec next;
+    clock_gettime(CLOCK_MONOTONIC, &next);
+    for (long n = 0; (count == 0 || n < count) && !gStop; ++n) {
+        if (n > 0) {
+            // Samples keep their pace: each is due one interval after the
+            // one before was due, however long the reading took.
+            // A sample that took longer than the interval is not caught up.
+            next = Add(next, interval);
+            timespec now;
+            clock_gettime(CLOCK_MONOTONIC, &now);
+            if (now.tv_sec > next.tv_sec || (now.tv_sec == next.tv_sec && now.tv_nsec > next.tv_nsec)) {
+                next = now;
+            }
+            StopSignals::sleepUntil(next);
+            if (gStop) {
+                break;
+            }
+        }
+        if (!sampler.sample()) {
+            break;
+        }
+    }
+    sampler.finish();
+    return 0;
+}
+
+}  // namespace voractl

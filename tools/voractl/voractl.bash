@@ -1,0 +1,118 @@
+# bash completion for voractl                                -*- shell-script -*-
+#
+# Completes commands, options and their values, and item and group paths,
+# which it reads through voractl itself (with the --module and --sim options
+# already on the line), so they are the board's own.
+
+# The words before the cursor with "--opt" "=" "value" joined again (bash
+# splits words at "=").
+_voractl_words() {
+    local i
+    _voractl_line=()
+    for ((i = 0; i < COMP_CWORD; i++)); do
+        if [[ ${COMP_WORDS[i]} == = && ${#_voractl_line[@]} -gt 0 ]]; then
+            _voractl_line[-1]+="=${COMP_WORDS[i + 1]}"
+            ((i++))
+        else
+            _voractl_line+=("${COMP_WORDS[i]}")
+        fi
+    done
+}
+
+# Item paths, one a line, and with "groups" every block and group path too.
+_voractl_paths() {
+    local -a options=()
+    local i word
+    for ((i = 1; i < ${#_voractl_line[@]}; i++)); do
+        word=${_voractl_line[i]}
+        case $word in
+            --module | --sim-generation) options+=("$word" "${_voractl_line[i + 1]}"); ((i++)) ;;
+            --module=* | --sim | --sim=* | --sim-generation=*) options+=("$word") ;;
+            -*) ;;
+            *) break ;;
+        esac
+    done
+    "${_voractl_line[0]}" "${options[@]}" list --json 2>/dev/null |
+        awk -v groups="${1:-}" '
+            function text(line) { sub(/^ *"[a-z]+": "/, "", line); sub(/",?$/, "", line); return line }
+            /^    "path": /  { path = text($0) }
+            /^    "block": / { block = text($0) }
+            /^    "group": / {
+                group = text($0)
+                if (groups != "") {
+                    if (!seen[block]++) print block
+                    if (group != "" && !seen[block "/" group]++) print block "/" group
+                }
+                print path
+            }'
+}
+
+# Offers the lines on standard input that start with the current word, which
+# may begin with a quote or hold backslash-escaped blanks.
+_voractl_offer() {
+    local cur=$1 quote= path
+    if [[ $cur == [\"\']* ]]; then
+        quote=${cur:0:1}
+        cur=${cur:1}
+    else
+        cur=${cur//\\ / }
+    fi
+    COMPREPLY=()
+    while IFS= read -r path; do
+        [[ $path == "$cur"* ]] || continue
+        if [[ -n $quote ]]; then
+            COMPREPLY+=("$quote$path")
+        else
+            COMPREPLY+=("$(printf '%q' "$path")")
+        fi
+    done
+}
+
+_voractl() {
+    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]}
+    local command= word
+    _voractl_words
+    for word in "${_voractl_line[@]:1}"; do
+        case $word in
+            caps | list | get | set | watch | export | help) command=$word; break ;;
+        esac
+    done
+    [[ $prev == = ]] && prev=${COMP_WORDS[COMP_CWORD - 2]}
+    case $prev in
+        --module | --output)
+            compopt -o filenames 2>/dev/null
+            COMPREPLY=($(compgen -f -- "$cur")); return ;;
+        --sim)
+            if [[ ${COMP_WORDS[COMP_CWORD - 1]} == = ]]; then
+                compopt -o filenames 2>/dev/null
+                COMPREPLY=($(compgen -f -- "$cur"))
+                return
+            fi ;;
+        --sim-generation) COMPREPLY=($(compgen -W "4 3 eapi" -- "$cur")); return ;;
+        --color) [[ ${COMP_WORDS[COMP_CWORD - 1]} == = ]] &&
+                     { COMPREPLY=($(compgen -W "auto always never" -- "$cur")); return; } ;;
+        --format) COMPREPLY=($(compgen -W "senml prometheus" -- "$cur")); return ;;
+        --type) COMPREPLY=($(compgen -W "int real string" -- "$cur")); return ;;
+        --interval | --count) return ;;
+    esac
+    local options
+    case $command in
+        "") options="--module --sim --sim-generation --sim-reset --color --help" ;;
+        caps | list) options="--json --help" ;;
+        get | set) options="--json --type --help" ;;
+        watch) options="--json --interval --count --help" ;;
+        export) options="--format --output --help" ;;
+        help) COMPREPLY=($(compgen -W "caps list get set watch export" -- "$cur")); return ;;
+    esac
+    if [[ $cur == -* || ($command == @(caps|list|export) && -n $command) ]]; then
+        COMPREPLY=($(compgen -W "$options" -- "$cur"))
+    elif [[ -z $command ]]; then
+        COMPREPLY=($(compgen -W "caps list get set watch export help" -- "$cur"))
+    elif [[ $command == watch ]]; then
+        _voractl_offer "$cur" < <(_voractl_paths groups)
+    elif [[ $command == get || ($command == set && ${#_voractl_line[@]} -gt 0 &&
+            ${_voractl_line[-1]} == set) ]]; then
+        _voractl_offer "$cur" < <(_voractl_paths)
+    fi
+} &&
+    complete -F _voractl voractl
