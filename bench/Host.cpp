@@ -1,5 +1,7 @@
 #include "Host.h"
 
+#include <dlfcn.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>

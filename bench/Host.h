@@ -5,8 +5,6 @@
 // sim/run-simulated).
 #pragma once
 
-#include <dlfcn.h>
-
 #include "voradrv.h"
 
 namespace vbench {
