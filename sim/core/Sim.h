@@ -41,6 +41,7 @@ public:
     std::optional<Fault> takeFault(const char* function, std::optional<uint32_t> key);
 
     void logEnable(bool on) { logging_ = on; }
+    bool logging() const { return logging_; }
     void log(std::string line);
     const std::string& logText();
     void clearLog() { log_.clear(); }
