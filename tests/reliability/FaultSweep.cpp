@@ -274,8 +274,9 @@ int Sweep(const std::string& name) {
 }
 
 int Usage() {
-    std::fprintf(stderr, "usage: fault_sweep 4|3|eapi\n"
-                         "       fault_sweep --child GEN CLEAN [FUNCTION KEY KIND WHEN]\n");
+    std::fprintf(stderr,
+                 "usage: fault_sweep 4|3|eapi\n"
+                 "       fault_sweep --child GEN CLEAN [FUNCTION KEY KIND WHEN]\n");
     return 2;
 }
 

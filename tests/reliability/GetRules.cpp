@@ -64,7 +64,8 @@ GetExpectation Hwm(Generation generation, uint32_t id, const json_t* value,
     if (!published.mapped(id)) {
         return {VORADRV_STATUS_NOT_FOUND, ""};
     }
-    return json_is_real(value) ? GetExpectation{} : GetExpectation{VORADRV_STATUS_INVALID_VALUE, kHwmType};
+    return json_is_real(value) ? GetExpectation{}
+                               : GetExpectation{VORADRV_STATUS_INVALID_VALUE, kHwmType};
 }
 
 GetExpectation Gpio(Generation generation, uint32_t id, const json_t* value,
@@ -144,16 +145,21 @@ Published PublishedBy(Generation generation, const json_t* document) {
 GetExpectation ExpectGet(Generation generation, uint32_t id, const json_t* value,
                          const Published& published) {
     switch (id & VORADRV_ID_CLASS_MASK) {
-        case VORADRV_CLASS_INFO: return Info(generation, id, value, published);
-        case VORADRV_CLASS_HWM: return Hwm(generation, id, value, published);
-        case VORADRV_CLASS_GPIO: return Gpio(generation, id, value, published);
-        case VORADRV_CLASS_BKL: return Backlight(generation, id, value, published);
+        case VORADRV_CLASS_INFO:
+            return Info(generation, id, value, published);
+        case VORADRV_CLASS_HWM:
+            return Hwm(generation, id, value, published);
+        case VORADRV_CLASS_GPIO:
+            return Gpio(generation, id, value, published);
+        case VORADRV_CLASS_BKL:
+            return Backlight(generation, id, value, published);
         case VORADRV_CLASS_NETWORK:
             if (generation == Generation::Vora4) {
                 return Network(id, value, published);
             }
             break;
-        default: break;
+        default:
+            break;
     }
     return {VORADRV_STATUS_UNSUPPORTED, ""};
 }
@@ -163,9 +169,12 @@ std::string SetTypeMessage(uint32_t id, uint32_t status) {
         return "";
     }
     switch (id & VORADRV_ID_CLASS_MASK) {
-        case VORADRV_CLASS_GPIO: return kGpioType;
-        case VORADRV_CLASS_BKL: return kBklType;
-        default: return "";
+        case VORADRV_CLASS_GPIO:
+            return kGpioType;
+        case VORADRV_CLASS_BKL:
+            return kBklType;
+        default:
+            return "";
     }
 }
 

@@ -92,10 +92,11 @@ std::vector<uint32_t> ItemsOf(const json_t* document) {
             size_t i;
             const json_t* element;
             json_array_foreach(json_object_get(node, "e"), i, element) {
-                const auto id = static_cast<uint32_t>(json_integer_value(json_object_get(element, "id")));
+                const auto id =
+                    static_cast<uint32_t>(json_integer_value(json_object_get(element, "id")));
                 const char* access = json_string_value(json_object_get(element, "asm"));
-                if (ids.empty() || (access != nullptr && std::string(access) == "rw" &&
-                                    ids.size() == 1)) {
+                if (ids.empty() ||
+                    (access != nullptr && std::string(access) == "rw" && ids.size() == 1)) {
                     ids.push_back(id);
                 }
             }
@@ -130,7 +131,8 @@ public:
             const std::string what = Hex(id) + " with " + v.name;
             const std::string before = vtest::Dump(value.get());
 
-            const vtest::GetExpectation get = vtest::ExpectGet(generation_, id, value.get(), published);
+            const vtest::GetExpectation get =
+                vtest::ExpectGet(generation_, id, value.get(), published);
             sim_.clearLog();
             vtest::StdoutCapture getOut;
             const uint32_t getStatus = VoraIoTGetMDValue(id, value.get());
@@ -143,7 +145,8 @@ public:
             ExpectNoWrite("get " + what);
 
             JsonPtr sent = Own(v.make());
-            const vtest::SetExpectation set = vtest::ExpectSet(generation_, id, sent.get(), published.mapped(id));
+            const vtest::SetExpectation set =
+                vtest::ExpectSet(generation_, id, sent.get(), published.mapped(id));
             sim_.clearLog();
             vtest::StdoutCapture setOut;
             const uint32_t setStatus = VoraIoTSetMDValue(id, sent.get());
@@ -163,9 +166,12 @@ private:
             case VORADRV_CLASS_INFO:
             case VORADRV_CLASS_HWM:
             case VORADRV_CLASS_GPIO:
-            case VORADRV_CLASS_BKL: return true;
-            case VORADRV_CLASS_NETWORK: return generation_ == Generation::Vora4;
-            default: return false;
+            case VORADRV_CLASS_BKL:
+                return true;
+            case VORADRV_CLASS_NETWORK:
+                return generation_ == Generation::Vora4;
+            default:
+                return false;
         }
     }
 
@@ -262,9 +268,7 @@ TEST(HostileInput, EveryValueToEveryIdOnTheThirdGeneration) {
     EveryValueToEveryId(Generation::Vora3);
 }
 
-TEST(HostileInput, EveryValueToEveryIdOnTheEApiLibrary) {
-    EveryValueToEveryId(Generation::EApi);
-}
+TEST(HostileInput, EveryValueToEveryIdOnTheEApiLibrary) { EveryValueToEveryId(Generation::EApi); }
 
 namespace {
 
@@ -299,9 +303,10 @@ void NothingIsRouted(vtest::SimControl& sim) {
             vtest::StdoutCapture out;
             EXPECT_EQ(VORADRV_STATUS_UNSUPPORTED, VoraIoTGetMDValue(id, value.get()));
             EXPECT_EQ(VORADRV_STATUS_UNSUPPORTED, VoraIoTSetMDValue(id, value.get()));
-            EXPECT_EQ("VORADrv get value: function id not found\n"
-                      "VORADrv set value: function id not found\n",
-                      out.finish())
+            EXPECT_EQ(
+                "VORADrv get value: function id not found\n"
+                "VORADrv set value: function id not found\n",
+                out.finish())
                 << Hex(id) << " with " << v.name;
             EXPECT_EQ("", sim.log()) << Hex(id) << " with " << v.name;
         }

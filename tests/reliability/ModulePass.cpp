@@ -75,7 +75,9 @@ std::string Step::key() const {
 }
 
 json_t* Sentinel(const std::string& type) {
-    return type == "real" ? json_real(-7.5) : type == "string" ? json_string("?") : json_integer(-7);
+    return type == "real"     ? json_real(-7.5)
+           : type == "string" ? json_string("?")
+                              : json_integer(-7);
 }
 
 OutputTap::OutputTap() {
@@ -127,7 +129,8 @@ std::vector<Step> ModulePass::run() {
     steps.push_back(step("init", [](Step& s) { s.status = VoraIoTInitialize(); }));
 
     JsonPtr document = Own(json_object());
-    steps.push_back(step("caps", [&](Step& s) { s.status = VoraIoTGetMDCapability(document.get()); }));
+    steps.push_back(
+        step("caps", [&](Step& s) { s.status = VoraIoTGetMDCapability(document.get()); }));
     std::vector<Item> items;
     std::set<uint32_t> seen;
     if (steps.back().status == 0) {

@@ -89,9 +89,9 @@ const Function kEApi[] = {
     {"EApiVgaSetBacklightEnable", kWrite},
 };
 
-const char* const kKindNames[] = {"failure",         "failure-zero",  "more-data",
-                                  "already-initialised", "absurd-value", "absurd-length",
-                                  "unterminated"};
+const char* const kKindNames[] = {
+    "failure",      "failure-zero",  "more-data",   "already-initialised",
+    "absurd-value", "absurd-length", "unterminated"};
 
 bool Matches(const Call& call, const Fault& fault) {
     return call.function == fault.call.function && (!fault.call.key || call.key == fault.call.key);
@@ -113,8 +113,7 @@ uint32_t FailedCallStatus(Generation generation, const vtest::Step& step, unsign
         }
         // A third-generation initialise answering 0 is reported and then taken
         // for success: the module goes on with no library and an empty document.
-        return generation == Generation::Vora3 && injected == 0 ? VORADRV_STATUS_ERROR
-                                                                : injected;
+        return generation == Generation::Vora3 && injected == 0 ? VORADRV_STATUS_ERROR : injected;
     }
     if (step.op == "uninit") {
         return (traits & kUninit) != 0 ? injected : clean;
@@ -135,7 +134,7 @@ uint32_t FailedCallStatus(Generation generation, const vtest::Step& step, unsign
 }
 
 const char* LibraryTag(Generation generation) {
-    return generation == Generation::Vora4 ? "VORA4"
+    return generation == Generation::Vora4   ? "VORA4"
            : generation == Generation::Vora3 ? "VORA3"
                                              : "ECTL2";
 }
@@ -148,15 +147,15 @@ void CheckStatus(Generation generation, const vtest::Step& step,
                  bool initFailed, bool boardChanged, std::vector<std::string>& problems) {
     const auto cleanStatus = clean.find(step.key());
     const bool touched =
-        fault && std::any_of(step.calls.begin(), step.calls.end(),
-                             [&](const std::string& line) { return Matches(ParseCall(line), *fault); });
+        fault && std::any_of(step.calls.begin(), step.calls.end(), [&](const std::string& line) {
+            return Matches(ParseCall(line), *fault);
+        });
     uint32_t answered = 0;
     const bool injected = fault && InjectedStatus(fault->kind, answered);
     std::optional<uint32_t> expected;
     if (touched && injected) {
         expected = FailedCallStatus(generation, step, Traits(generation, fault->call.function),
-                                    answered,
-                                    cleanStatus != clean.end() ? cleanStatus->second : 0);
+                                    answered, cleanStatus != clean.end() ? cleanStatus->second : 0);
     } else if (initFailed && step.op == "uninit") {
         expected = VORADRV_STATUS_UNSUPPORTED;  // no library came up
     } else if (initFailed && step.op == "caps") {
@@ -180,9 +179,9 @@ void CheckStatus(Generation generation, const vtest::Step& step,
     if (step.op == "get" || step.op == "set") {
         const std::string line = step.op == "get" ? vtest::GetFailedLine(block, step.status)
                                                   : vtest::SetFailedLine(block);
-        const bool printed = step.printed.size() >= line.size() &&
-                             step.printed.compare(step.printed.size() - line.size(), line.size(),
-                                                  line) == 0;
+        const bool printed =
+            step.printed.size() >= line.size() &&
+            step.printed.compare(step.printed.size() - line.size(), line.size(), line) == 0;
         if (printed != (step.status != 0)) {
             problems.push_back(step.key() + ": status " + Hex(step.status) +
                                " but the entry point printed \"" + step.printed + "\"");
@@ -216,11 +215,12 @@ void CheckBoard(Generation generation, const vtest::Step& step,
         if (step.op == "get") {
             vtest::JsonPtr sentinel = vtest::Own(vtest::Sentinel(step.type));
             if (step.status != 0 && step.output != vtest::Dump(sentinel.get())) {
-                problems.push_back(step.key() + ": failed, yet changed the value to " + step.output);
+                problems.push_back(step.key() + ": failed, yet changed the value to " +
+                                   step.output);
             }
             if (step.output.size() > kLongestOutput) {
-                problems.push_back(step.key() + ": a value of " + std::to_string(step.output.size()) +
-                                   " bytes");
+                problems.push_back(step.key() + ": a value of " +
+                                   std::to_string(step.output.size()) + " bytes");
             }
         }
         return;
@@ -279,9 +279,12 @@ unsigned Traits(Generation generation, const std::string& function) {
         return 0;
     };
     switch (generation) {
-        case Generation::Vora4: return find(kVora4);
-        case Generation::Vora3: return find(kVora3);
-        default: return find(kEApi);
+        case Generation::Vora4:
+            return find(kVora4);
+        case Generation::Vora3:
+            return find(kVora3);
+        default:
+            return find(kEApi);
     }
 }
 
@@ -315,11 +318,20 @@ std::vector<Kind> KindsFor(Generation generation, unsigned traits) {
 
 bool InjectedStatus(Kind kind, uint32_t& status) {
     switch (kind) {
-        case Kind::Failure: status = kFailure; return true;
-        case Kind::FailureZero: status = 0; return true;
-        case Kind::MoreData: status = kMoreData; return true;
-        case Kind::AlreadyInitialised: status = kAlreadyInitialised; return true;
-        default: return false;
+        case Kind::Failure:
+            status = kFailure;
+            return true;
+        case Kind::FailureZero:
+            status = 0;
+            return true;
+        case Kind::MoreData:
+            status = kMoreData;
+            return true;
+        case Kind::AlreadyInitialised:
+            status = kAlreadyInitialised;
+            return true;
+        default:
+            return false;
     }
 }
 

@@ -27,11 +27,11 @@ Call ParseCall(const std::string& logLine);
 
 // What a library function does, as far as faults go.
 enum Trait : unsigned {
-    kText = 1,     // answers a text through a buffer and a length
-    kNumber = 2,   // writes numbers to outputs
-    kInit = 4,     // the library's initialise
-    kUninit = 8,   // the library's shut-down
-    kWrite = 16,   // changes the board
+    kText = 1,    // answers a text through a buffer and a length
+    kNumber = 2,  // writes numbers to outputs
+    kInit = 4,    // the library's initialise
+    kUninit = 8,  // the library's shut-down
+    kWrite = 16,  // changes the board
 };
 // The traits of `function` on `generation`'s library; 0 for a function the
 // sweep does not know (a new one must be added to its table).

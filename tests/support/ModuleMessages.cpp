@@ -70,10 +70,11 @@ const std::vector<std::regex>& Messages() {
 }  // namespace
 
 std::string UnknownOutput(const std::string& printed) {
+    const std::vector<std::regex>& messages = Messages();  // compiled on first use
     auto at = printed.cbegin();
     while (at != printed.cend()) {
         bool known = false;
-        for (const std::regex& message : Messages()) {
+        for (const std::regex& message : messages) {
             std::smatch match;
             if (std::regex_search(at, printed.cend(), match, message,
                                   std::regex_constants::match_continuous) &&
@@ -104,12 +105,18 @@ std::string SetFailedLine(const std::string& block) {
 
 std::string BlockName(uint32_t classId) {
     switch (classId) {
-        case 0x10000: return "Platform Information";
-        case 0x20000: return "Hardware Monitor";
-        case 0x40000: return "GPIO";
-        case 0x50000: return "Backlight";
-        case 0xB0000: return "OOB-Network";
-        default: return "";
+        case 0x10000:
+            return "Platform Information";
+        case 0x20000:
+            return "Hardware Monitor";
+        case 0x40000:
+            return "GPIO";
+        case 0x50000:
+            return "Backlight";
+        case 0xB0000:
+            return "OOB-Network";
+        default:
+            return "";
     }
 }
 
