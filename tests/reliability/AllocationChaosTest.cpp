@@ -10,13 +10,12 @@
 #include <gtest/gtest.h>
 #include <link.h>
 
-#include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 #include <string>
 #include <vector>
 
+#include "AllocationWatch.h"
 #include "ModuleMessages.h"
 #include "SimHarness.h"
 #include "voradrv.h"
@@ -73,8 +72,9 @@ bool CalledFromLibrary() {
     return false;
 }
 
-// The next module allocation: true when it is the one to fail.
-bool FailsNow() {
+// Asked before each allocation through operator new: true when it is the
+// module's allocation that is to fail.
+bool ModuleAllocationFails() {
     if (!inModule || failAt < 0) {
         return false;
     }
@@ -84,71 +84,18 @@ bool FailsNow() {
     return !library && counted++ == failAt;
 }
 
-// Bytes allocated and not yet released, through operator new and through
-// jansson: exact, unlike the C library's figures, which depend on how its
-// free blocks happen to be split.
-long liveBytes = 0;
-constexpr size_t kHeader = alignof(std::max_align_t);
-
-void* Counted(void* block, size_t size) {
-    if (block == nullptr) {
-        return nullptr;
-    }
-    *static_cast<size_t*>(block) = size;
-    liveBytes += static_cast<long>(size);
-    return static_cast<char*>(block) + kHeader;
-}
-
-void Uncounted(void* p) {
-    if (p != nullptr) {
-        char* block = static_cast<char*>(p) - kHeader;
-        liveBytes -= static_cast<long>(*reinterpret_cast<size_t*>(block));
-        std::free(block);
-    }
-}
-
-void* Allocate(size_t size) {
-    if (FailsNow()) {
-        throw std::bad_alloc();
-    }
-    void* p = Counted(std::malloc(size + kHeader), size);
-    if (p == nullptr) {
-        throw std::bad_alloc();
-    }
-    return p;
-}
-
-}  // namespace
-
-// The program's allocation functions, so that the module's allocations can
-// fail; everything else allocates as usual.
-void* operator new(size_t size) { return Allocate(size); }
-void* operator new[](size_t size) { return Allocate(size); }
-void operator delete(void* p) noexcept { Uncounted(p); }
-void operator delete[](void* p) noexcept { Uncounted(p); }
-void operator delete(void* p, size_t) noexcept { Uncounted(p); }
-void operator delete[](void* p, size_t) noexcept { Uncounted(p); }
-
-namespace {
-
 // JSON allocations fail once `jsonLeft` reaches 0; -1: never.
 long jsonLeft = -1;
 
-void* JsonAllocate(size_t size) {
+bool JsonAllocationFails() {
     if (jsonLeft == 0) {
-        return nullptr;
+        return true;
     }
     if (jsonLeft > 0) {
         --jsonLeft;
     }
-    return Counted(std::malloc(size + kHeader), size);
+    return false;
 }
-
-// Every JSON value of the test is counted; set before the first one exists.
-const bool jsonCounted = [] {
-    json_set_alloc_funcs(JsonAllocate, Uncounted);
-    return true;
-}();
 
 struct Item {
     uint32_t id;
@@ -278,13 +225,13 @@ void EachFailureInTurn(Generation generation, Arm arm, Disarm disarm, Reached re
     };
     for (;; ++n) {
         ASSERT_LT(n, 200000) << "no end to the allocations";
-        long before = liveBytes;
+        long before = vtest::alloc::LiveBytes();
         bool done = failingPass();
-        if (liveBytes != before) {
-            before = liveBytes;
+        if (vtest::alloc::LiveBytes() != before) {
+            before = vtest::alloc::LiveBytes();
             done = failingPass();
         }
-        EXPECT_EQ(before, liveBytes) << "bytes in use over failure " << n;
+        EXPECT_EQ(before, vtest::alloc::LiveBytes()) << "bytes in use over failure " << n;
         if (done) {
             break;
         }
@@ -302,7 +249,15 @@ void EachFailureInTurn(Generation generation, Arm arm, Disarm disarm, Reached re
 
 void JsonAllocationsFailInTurn(Generation generation) {
     EachFailureInTurn(
-        generation, [](long n) { jsonLeft = n; }, [] { jsonLeft = -1; },
+        generation,
+        [](long n) {
+            jsonLeft = n;
+            vtest::alloc::SetJsonFailure(JsonAllocationFails);
+        },
+        [] {
+            jsonLeft = -1;
+            vtest::alloc::SetJsonFailure(nullptr);
+        },
         [](long) { return jsonLeft == 0; });
 }
 
@@ -312,8 +267,13 @@ void CxxAllocationsThrowInTurn(Generation generation) {
         [](long n) {
             counted = 0;
             failAt = n;
+            vtest::alloc::SetNewFailure(ModuleAllocationFails);
         },
-        [] { failAt = -1; }, [](long n) { return counted > n; });
+        [] {
+            failAt = -1;
+            vtest::alloc::SetNewFailure(nullptr);
+        },
+        [](long n) { return counted > n; });
 }
 
 }  // namespace
