@@ -9,8 +9,6 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
 cycles=${2:-10000}
-# glibc's heap figures without its per-thread cache, so that they are exact.
-export GLIBC_TUNABLES=glibc.malloc.tcache_count=0
 for generation in 4 3 eapi; do
     "$build/sim/run-simulated" -- "$build/tests/reliability/lifecycle_soak" "$generation" "$cycles"
 done

@@ -283,6 +283,7 @@ int Usage() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    vtest::ExactHeapFigures(argv);  // for the runs' heap comparison
     if (argc == 2 && GenerationNamed(argv[1])) {
         return Sweep(argv[1]);
     }

@@ -7,10 +7,10 @@
 //   lifecycle_soak 4|3|eapi CYCLES
 //
 // It runs under the path redirection (ctest preloads it; by hand, through
-// build/sim/run-simulated). With glibc, run it with
-// GLIBC_TUNABLES=glibc.malloc.tcache_count=0 for exact heap figures; in a
-// sanitizer build the sanitizer's allocator answers, and resident memory,
-// which its quarantine inflates, is reported but not held flat.
+// build/sim/run-simulated). With glibc it runs itself again with glibc's
+// cache turned off, for exact heap figures; in a sanitizer build the
+// sanitizer's allocator answers, and resident memory, which its quarantine
+// inflates, is reported but not held flat.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -125,6 +125,7 @@ int Soak(Generation generation, const char* name, long cycles) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    vtest::ExactHeapFigures(argv);
     const std::string name = argc == 3 ? argv[1] : "";
     const long cycles = argc == 3 ? std::atol(argv[2]) : 0;
     if ((name != "4" && name != "3" && name != "eapi") || cycles < 1) {

@@ -15,4 +15,11 @@ size_t HeapInUse();
 // Resident set size of the process, in KiB.
 size_t ResidentKiB();
 
+// For a program that compares heap figures: unless they are exact already
+// (a sanitizer build, or glibc's cache turned off), runs the program again
+// (`argv` its arguments) with GLIBC_TUNABLES=glibc.malloc.tcache_count=0;
+// programs it starts inherit the setting. Returns only when no restart was
+// needed or it failed.
+void ExactHeapFigures(char** argv);
+
 }  // namespace vtest
