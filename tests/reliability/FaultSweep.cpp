@@ -11,6 +11,8 @@
 //                                              pass's record (written by the
 //                                              run without a fault), WHEN
 //                                              "always" or "after-init"
+//   fault_sweep --batch GEN CLEAN              every status-only fault in one
+//                                              process, for memcheck
 //
 // It runs under the path redirection (ctest preloads it). A run passes when
 // it exits 0: no crash, no sanitizer report, no leak (the heap in use must not
@@ -200,12 +202,93 @@ std::string Self() {
     return path;
 }
 
+// With VTEST_MEMCHECK=1 the sweep ends with a run under Valgrind's memcheck,
+// in one process (Batch): every call failing with a status that changes
+// nothing else, so that the library leaves its outputs unwritten, which is
+// what an output variable the module did not initialise would show. Any
+// memory error, a use of an uninitialised value among them, or any byte
+// definitely or indirectly lost fails it.
+bool Memcheck() {
+    const char* memcheck = std::getenv("VTEST_MEMCHECK");
+    return memcheck != nullptr && std::strcmp(memcheck, "1") == 0;
+}
+
+// A call made both while initialising and afterwards also misbehaves only
+// afterwards.
+std::vector<const char*> Timings(const Made& made) {
+    std::vector<const char*> timings{"always"};
+    if (made.atInit && made.later) {
+        timings.push_back("after-init");
+    }
+    return timings;
+}
+
+// The kinds that only change a call's status.
+std::vector<Kind> StatusOnly(Generation generation) {
+    std::vector<Kind> kinds{Kind::Failure};
+    if (generation == Generation::Vora3) {
+        kinds.push_back(Kind::FailureZero);
+    }
+    return kinds;
+}
+
+// Every status-only fault of the clean pass's record, one pass each, in this
+// one process; only memory errors count here (the sweep holds the rest).
+int Batch(Generation generation, const std::string& cleanPath) {
+    vtest::UseSimulator(generation);
+    vtest::SimControl sim(generation);
+    const Record record = ReadRecord(cleanPath);
+    std::optional<Fault> fault;
+    int runs = 0;
+    {
+        vtest::OutputTap tap;
+        vtest::ModulePass pass(sim, tap, [&] {
+            if (fault && fault->afterInit) {
+                sim.addFault(sweep::FaultJson(*fault));
+            }
+        });
+        for (const Made& made : record.calls) {
+            for (const Kind kind : StatusOnly(generation)) {
+                for (const char* when : Timings(made)) {
+                    sim.clearFaults();
+                    fault = Fault{made.call, kind, std::strcmp(when, "after-init") == 0};
+                    if (!fault->afterInit) {
+                        sim.addFault(sweep::FaultJson(*fault));
+                    }
+                    pass.run();
+                    ++runs;
+                }
+            }
+        }
+        sim.clearFaults();
+    }
+    std::printf("%d runs\n", runs);
+    return 0;
+}
+
 void ShowReport(const vtest::ToolResult& run) {
     std::istringstream report(run.err + run.out);
     std::string line;
     for (int n = 0; n < kReportLines && std::getline(report, line); ++n) {
         std::printf("    %s\n", line.c_str());
     }
+}
+
+// The memcheck run of the sweep; false when it failed.
+bool UnderMemcheck(const std::string& self, const std::string& name,
+                   const std::string& cleanPath) {
+    const vtest::ToolResult batch = vtest::RunTool(
+        "/usr/bin/env", {"valgrind", "--quiet", "--error-exitcode=99", "--leak-check=full",
+                         "--errors-for-leak-kinds=definite,indirect",
+                         "--show-leak-kinds=definite,indirect", self, "--batch", name, cleanPath});
+    std::printf("fault sweep (%s) under memcheck, every status-only fault: %s", name.c_str(),
+                batch.out.c_str());
+    if (batch.status != 0) {
+        std::printf("FAILED under memcheck:\n");
+        ShowReport(batch);
+        return false;
+    }
+    return true;
 }
 
 int Sweep(const std::string& name) {
@@ -239,14 +322,8 @@ int Sweep(const std::string& name) {
             ++failed;
             continue;
         }
-        // A call made both while initialising and afterwards also misbehaves
-        // only afterwards.
-        std::vector<const char*> timings{"always"};
-        if (made.atInit && made.later) {
-            timings.push_back("after-init");
-        }
         for (const Kind kind : sweep::KindsFor(generation, traits)) {
-            for (const char* when : timings) {
+            for (const char* when : Timings(made)) {
                 const vtest::ToolResult run =
                     vtest::RunTool(self, {"--child", name, cleanPath, call.function,
                                           KeyText(call.key), sweep::KindName(kind), when});
@@ -263,20 +340,24 @@ int Sweep(const std::string& name) {
             }
         }
     }
-    unlink(cleanPath);
     std::string kinds;
     for (const auto& [kind, count] : runsByKind) {
         kinds += (kinds.empty() ? "" : ", ") + std::to_string(count) + " " + kind;
     }
     std::printf("fault sweep (%s): %zu distinct calls, %d runs (%s), %d failed\n", name.c_str(),
                 record.calls.size(), runs, kinds.c_str(), failed);
+    if (Memcheck() && !UnderMemcheck(self, name, cleanPath)) {
+        ++failed;
+    }
+    unlink(cleanPath);
     return failed == 0 && runs > 0 ? 0 : 1;
 }
 
 int Usage() {
     std::fprintf(stderr,
                  "usage: fault_sweep 4|3|eapi\n"
-                 "       fault_sweep --child GEN CLEAN [FUNCTION KEY KIND WHEN]\n");
+                 "       fault_sweep --child GEN CLEAN [FUNCTION KEY KIND WHEN]\n"
+                 "       fault_sweep --batch GEN CLEAN\n");
     return 2;
 }
 
@@ -286,6 +367,9 @@ int main(int argc, char** argv) {
     vtest::ExactHeapFigures(argv);  // for the runs' heap comparison
     if (argc == 2 && GenerationNamed(argv[1])) {
         return Sweep(argv[1]);
+    }
+    if (argc == 4 && std::strcmp(argv[1], "--batch") == 0 && GenerationNamed(argv[2])) {
+        return Batch(*GenerationNamed(argv[2]), argv[3]);
     }
     if ((argc == 4 || argc == 8) && std::strcmp(argv[1], "--child") == 0 &&
         GenerationNamed(argv[2])) {
