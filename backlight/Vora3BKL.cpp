@@ -1,5 +1,7 @@
 #include "Vora3BKL.h"
 
+#include <utility>
+
 #include "binding/VORA3Handle.h"
 #include "module/Status.h"
 
@@ -26,10 +28,10 @@ void Vora3BKL::createIPSOBKLPackage() {
         VORA3Handle::mVoraVCGetBright(&brightness) != kLibraryOk) {
         return;
     }
-    json_t* array = json_array();
-    appendControl(array, "brightness", "Brightness", "v", brightness, maximum, minimum,
+    voradrv::JsonHolder array(json_array());
+    appendControl(array.get(), "brightness", "Brightness", "v", brightness, maximum, minimum,
                   kBrightnessId, "Step");
-    publishPanel("VGA", array, kPanelGroupId);
+    publishPanel("VGA", std::move(array), kPanelGroupId);
 }
 
 uint32_t Vora3BKL::VoraIoTGetMDValue(uint32_t id, json_t* value) {

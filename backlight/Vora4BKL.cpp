@@ -1,6 +1,7 @@
 #include "Vora4BKL.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "binding/VORA4Handle.h"
 #include "module/Status.h"
@@ -28,14 +29,14 @@ void Vora4BKL::createIPSOBKLPackage() {
     unsigned int minimum = 0;
     unsigned int length = kNameSize;
     for (unsigned panel = 0; panel < kPanels; ++panel) {
-        json_t* array = nullptr;
+        voradrv::JsonHolder array;
         unsigned int v = 0;
         if (Library()->mVoraVgaGetBacklightBrightness(panel, &v) == STATUS_SUCCESS) {
             Library()->mVoraVgaGetCaps(panel, kBrightnessMaximum, &maximum);
             Library()->mVoraVgaGetCaps(panel, kBrightnessMinimum, &minimum);
-            array = json_array();
+            array.reset(json_array());
             idtoLibIDMap[kBrightnessKind + 1 + panel] = panel;
-            appendControl(array, "brightness", "Brightness", "v", v, maximum, minimum,
+            appendControl(array.get(), "brightness", "Brightness", "v", v, maximum, minimum,
                           kBrightnessKind + 1 + panel, "Step");
         }
         // Frequency and polarity do not start the panel's array: without a
@@ -44,23 +45,23 @@ void Vora4BKL::createIPSOBKLPackage() {
         v = 0;
         if (Library()->mVoraVgaGetFrequency(panel, &v) == STATUS_SUCCESS) {
             idtoLibIDMap[kFrequencyKind + 1 + panel] = panel;
-            appendControl(array, "frequency", "Frequency", "v", v, kFrequencyMaximum, 0,
+            appendControl(array.get(), "frequency", "Frequency", "v", v, kFrequencyMaximum, 0,
                           kFrequencyKind + 1 + panel, "Hz");
         }
         v = 0;
         if (Library()->mVoraVgaGetPolarity(panel, &v) == STATUS_SUCCESS) {
             idtoLibIDMap[kPolarityKind + 1 + panel] = panel;
-            appendControl(array, "polarity", "Polarity", "bv", v, 1, 0,
+            appendControl(array.get(), "polarity", "Polarity", "bv", v, 1, 0,
                           kPolarityKind + 1 + panel, "ON/OFF");
         }
         v = 0;
         if (Library()->mVoraVgaGetBacklightEnable(panel, &v) == STATUS_SUCCESS) {
             idtoLibIDMap[kOnOffKind + 1 + panel] = panel;
             if (array == nullptr) {
-                array = json_array();
+                array.reset(json_array());
             }
-            appendControl(array, "backlight", "Backlight", "bv", v, 1, 0, kOnOffKind + 1 + panel,
-                          "ON/OFF");
+            appendControl(array.get(), "backlight", "Backlight", "bv", v, 1, 0,
+                          kOnOffKind + 1 + panel, "ON/OFF");
         }
         if (array == nullptr) {
             continue;
@@ -77,7 +78,7 @@ void Vora4BKL::createIPSOBKLPackage() {
             std::snprintf(fallback, sizeof fallback, "BackLight%u", panel);
             StringCopy(name, fallback);
         }
-        if (!publishPanel(name, array, 0x1050101 + panel)) {
+        if (!publishPanel(name, std::move(array), 0x1050101 + panel)) {
             return;
         }
     }

@@ -1,6 +1,7 @@
 #include "eCtl2BKL.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "binding/ECTL2Handle.h"
 #include "module/Status.h"
@@ -37,12 +38,12 @@ void eCtl2BKL::createIPSOBKLPackage() {
         std::snprintf(name, sizeof name, "Backlight %u", n);
         idtoLibIDMap[kOnOffKind + n] = panel;
         idtoLibIDMap[kBrightnessKind + n] = panel;
-        json_t* array = json_array();
-        appendControl(array, "backlight", "Backlight", "bv", enable != 0 ? 1 : 0, 1, 0,
+        voradrv::JsonHolder array(json_array());
+        appendControl(array.get(), "backlight", "Backlight", "bv", enable != 0 ? 1 : 0, 1, 0,
                       kOnOffKind + n, "ON/OFF");
-        appendControl(array, "brightness", "Brightness", "v", brightness, kBrightnessMaximum, 0,
-                      kBrightnessKind + n, "Step");
-        if (!publishPanel(name, array, 0x1050100 + n)) {
+        appendControl(array.get(), "brightness", "Brightness", "v", brightness,
+                      kBrightnessMaximum, 0, kBrightnessKind + n, "Step");
+        if (!publishPanel(name, std::move(array), 0x1050100 + n)) {
             return;
         }
     }

@@ -1,6 +1,7 @@
 #include "FuncBKL.h"
 
 #include <cstdio>
+#include <memory>
 
 #include "backlight/Vora3BKL.h"
 #include "backlight/Vora4BKL.h"
@@ -43,20 +44,21 @@ void FuncBKL::appendControl(json_t* array, const char* what, const char* label, 
     }
 }
 
-bool FuncBKL::publishPanel(const char* name, json_t* array, uint32_t groupId) {
-    if (!json_is_array(array) || json_array_size(array) == 0) {
+bool FuncBKL::publishPanel(const char* name, voradrv::JsonHolder array, uint32_t groupId) {
+    if (!json_is_array(array.get()) || json_array_size(array.get()) == 0) {
         std::puts("VORADrv BKL: cap json_pack array failed");
-        json_decref(array);
         return false;
     }
-    auto* record = new Backlight(name);
-    record->group = IPSO_Capability_Packager(array, name, "info", kBaseTime, kLayoutVersion,
-                                             static_cast<int>(groupId));
+    // Owned here until the block's list holds it (which may have to grow).
+    auto record = std::make_unique<Backlight>(name);
+    record->group = IPSO_Capability_Packager(array.release(), name, "info", kBaseTime,
+                                             kLayoutVersion, static_cast<int>(groupId));
     if (record->group == nullptr || !json_is_object(record->group) ||
         json_object_size(record->group) == 0) {
         std::puts("VORADrv BKL: ipso cap json_pack array failed");
     }
-    items.push_back(record);
+    items.push_back(record.get());
+    record.release();
     return true;
 }
 

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "function/GroupFamily.h"
+#include "function/JsonHolder.h"
 
 class FuncBKL : public GroupFamily {
 public:
@@ -29,10 +30,11 @@ protected:
     void appendControl(json_t* array, const char* what, const char* label, const char* key,
                        uint32_t value, uint32_t max, uint32_t min, uint32_t id, const char* unit);
 
-    // Publishes a panel named `name` whose controls are in `array`, as a
-    // Backlight record with group id `groupId`. Returns false when the array
-    // is missing or empty; the panel is then dropped and the package must end.
-    bool publishPanel(const char* name, json_t* array, uint32_t groupId);
+    // Publishes a panel named `name` whose controls are in `array` (taken
+    // over), as a Backlight record with group id `groupId`. Returns false when
+    // the array is missing or empty; the panel is then dropped and the
+    // package must end.
+    bool publishPanel(const char* name, voradrv::JsonHolder array, uint32_t groupId);
 
     // True when `value` is a JSON integer; otherwise prints "VORADRV BKL Get
     // Value: not a json integer" (on reads and writes alike) and the caller

@@ -1,8 +1,10 @@
 #include "FuncGPIO.h"
 
 #include <cstdio>
+#include <memory>
 
 #include "function/Family.h"
+#include "function/JsonHolder.h"
 #include "gpio/Vora3GPIO.h"
 #include "gpio/Vora4GPIO.h"
 #include "gpio/eCtl2GPIO.h"
@@ -35,8 +37,9 @@ FuncGPIO::FuncGPIO()
 void FuncGPIO::createIPSOGPIOPackage() {}
 
 bool FuncGPIO::publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level) {
-    auto* record = new GPIOPIN(name);
-    json_t* array = json_array();
+    // Both owned here until the block's list and the group hold them.
+    auto record = std::make_unique<GPIOPIN>(name);
+    voradrv::JsonHolder array(json_array());
 
     // A pin that can be only one of input and output has a fixed direction.
     uint32_t in = getPinInputCap(pin);
@@ -47,7 +50,7 @@ bool FuncGPIO::publishPin(const char* name, unsigned pin, uint32_t direction, ui
     // "max" 1 when the pin can be an input, "min" 0 when it can be an output.
     const uint32_t max = getPinInputCap(pin);
     const uint32_t min = getPinOutputCap(pin) ^ 1u;
-    if (json_array_append_new(array, PinItem("Dir", direction, max, min, kDirectionBase + pin,
+    if (json_array_append_new(array.get(), PinItem("Dir", direction, max, min, kDirectionBase + pin,
                                              "I/O", directionAccess,
                                              getUIProperty(directionAccess))) != 0) {
         std::puts("VORADrv GPIO : cap dir unable to append new value");
@@ -58,24 +61,23 @@ bool FuncGPIO::publishPin(const char* name, unsigned pin, uint32_t direction, ui
     const char* levelAccess = in == kUnknownCap || out == kUnknownCap ? "N/A"
                               : out == 0 && in == 1                  ? "r"
                                                                      : "rw";
-    if (json_array_append_new(array, PinItem("Level", level, 1, 0, kLevelBase + pin, "H/L",
+    if (json_array_append_new(array.get(), PinItem("Level", level, 1, 0, kLevelBase + pin, "H/L",
                                              levelAccess, getUIProperty(levelAccess))) != 0) {
         std::puts("VORADrv GPIO : cap level unable to append new value");
     }
 
-    if (!json_is_array(array) || json_array_size(array) == 0) {
+    if (!json_is_array(array.get()) || json_array_size(array.get()) == 0) {
         std::puts("VORADrv GPIO: cap json_pack array failed");
-        json_decref(array);
-        delete record;
         return false;
     }
-    record->group = IPSO_Capability_Packager(array, name, "info", kBaseTime, kLayoutVersion,
-                                             static_cast<int>(kGroupBase + pin));
+    record->group = IPSO_Capability_Packager(array.release(), name, "info", kBaseTime,
+                                             kLayoutVersion, static_cast<int>(kGroupBase + pin));
     if (record->group == nullptr || !json_is_object(record->group) ||
         json_object_size(record->group) == 0) {
         std::puts("VORADrv GPIO: ipso cap json_pack array failed");
     }
-    items.push_back(record);
+    items.push_back(record.get());
+    record.release();
     return true;
 }
 

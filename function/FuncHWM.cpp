@@ -1,6 +1,7 @@
 #include "FuncHWM.h"
 
 #include <cstdio>
+#include <memory>
 
 #include "function/Family.h"
 #include "hwm/Vora3HWM.h"
@@ -28,22 +29,22 @@ void FuncHWM::appendSensor(json_t* array, const SensorGroup& group, const char* 
     }
 }
 
-void FuncHWM::addGroup(json_t* array, bool found, const SensorGroup& group) {
+void FuncHWM::addGroup(voradrv::JsonHolder array, bool found, const SensorGroup& group) {
     if (!found) {
-        json_decref(array);
         return;
     }
-    if (group.checkArray && (!json_is_array(array) || json_array_size(array) == 0)) {
+    if (group.checkArray && (!json_is_array(array.get()) || json_array_size(array.get()) == 0)) {
         std::printf("VORADrv HWM %s: cap json_pack array failed\n", group.tag);
-        json_decref(array);
         return;
     }
-    auto* record = new HWMInfo(group.label);
-    record->group = IPSO_Capability_Packager(array, group.label, group.unit, kBaseTime,
+    // Owned here until the block's list holds it.
+    auto record = std::make_unique<HWMInfo>(group.label);
+    record->group = IPSO_Capability_Packager(array.release(), group.label, group.unit, kBaseTime,
                                              kLayoutVersion, group.groupId);
     if (record->group == nullptr || !json_is_object(record->group) ||
         json_object_size(record->group) == 0) {
         std::printf("VORADrv HWM %s: ipso cap json_pack array failed\n", group.tag);
     }
-    items.push_back(record);
+    items.push_back(record.get());
+    record.release();
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "function/GroupFamily.h"
+#include "function/JsonHolder.h"
 
 // One kind of sensor as a capability group: label, unit, ids and limits,
 // and the word the group's messages use ("VOLT" in "VORADrv HWM VOLT: ...").
@@ -36,10 +37,11 @@ protected:
     // prints the group's "cap unable to append new value" message.
     void appendSensor(json_t* array, const SensorGroup& group, const char* name, double value,
                       uint32_t id);
-    // Ends a group's build: without a sensor the array is released and
-    // nothing is published; otherwise the array is checked (except for the
-    // current group), wrapped as the group object and recorded.
-    void addGroup(json_t* array, bool found, const SensorGroup& group);
+    // Ends a group's build, taking the array over: without a sensor the array
+    // is released and nothing is published; otherwise the array is checked
+    // (except for the current group), wrapped as the group object and
+    // recorded.
+    void addGroup(voradrv::JsonHolder array, bool found, const SensorGroup& group);
 
 private:
     void buildPackage() override { createIPSOHWMPackage(); }

@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "function/Family.h"
+#include "function/JsonHolder.h"
 #include "info/Vora3INFO.h"
 #include "info/Vora4INFO.h"
 #include "info/eCtl2INFO.h"
@@ -24,18 +25,19 @@ FuncINFO::~FuncINFO() {
 }
 
 uint32_t FuncINFO::VoraIoTInitialize() {
-    json_t* array = json_array();
-    createIPSOInfoPackage(array);
-    if (!json_is_array(array) || json_array_size(array) == 0) {
+    voradrv::JsonHolder array(json_array());
+    createIPSOInfoPackage(array.get());
+    if (!json_is_array(array.get()) || json_array_size(array.get()) == 0) {
         std::puts("VORADrv Info init: json_pack array failed");
-        json_decref(array);
         return STATUS_ERROR;
     }
     if (package != nullptr) {
         json_decref(package);
+        package = nullptr;
     }
-    package = IPSO_Capability_Packager(array, name.c_str(), "info", kBaseTime, kLayoutVersion,
-                                       static_cast<int>(getClassID()));
+    // The packager takes the array over.
+    package = IPSO_Capability_Packager(array.release(), name.c_str(), "info", kBaseTime,
+                                       kLayoutVersion, static_cast<int>(getClassID()));
     if (package == nullptr || !json_is_object(package) || json_object_size(package) == 0) {
         std::puts("VORADrv Info init: IPSO Json_pack array failed");
         return STATUS_ERROR;

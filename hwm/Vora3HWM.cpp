@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <utility>
 #include <limits>
 
 #include "binding/VORA3Handle.h"
@@ -123,7 +124,7 @@ void Vora3HWM::createIPSOFanPackage() { buildGroup(kFan); }
 
 void Vora3HWM::buildGroup(int index) {
     const Group& group = kGroups[index];
-    json_t* array = json_array();
+    voradrv::JsonHolder array(json_array());
     bool found = false;
     const uint32_t mask = group.supportMask();
     for (unsigned b = 0; b < group.bits; ++b) {
@@ -134,10 +135,10 @@ void Vora3HWM::buildGroup(int index) {
         if (!group.read(1u << b, value)) {
             continue;  // a sensor that does not answer is left out silently
         }
-        appendSensor(array, group.sensors, group.names[b], value, group.sensors.itemBase + b);
+        appendSensor(array.get(), group.sensors, group.names[b], value, group.sensors.itemBase + b);
         found = true;
     }
-    addGroup(array, found, group.sensors);
+    addGroup(std::move(array), found, group.sensors);
 }
 
 uint32_t Vora3HWM::VoraIoTGetMDValue(uint32_t id, json_t* value) {

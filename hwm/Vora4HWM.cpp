@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
 #include "binding/VORA4Handle.h"
 #include "module/Status.h"
@@ -102,7 +103,7 @@ void Vora4HWM::createIPSOCaseOpenPackage() { buildGroup(kCaseOpen); }
 
 void Vora4HWM::buildGroup(int index) {
     const Group& group = kGroups[index];
-    json_t* array = json_array();
+    voradrv::JsonHolder array(json_array());
     bool found = false;
     for (unsigned p = 0; p < group.count; ++p) {
         const unsigned int libraryId = group.libraryBase + p;
@@ -116,10 +117,10 @@ void Vora4HWM::buildGroup(int index) {
         if (getHWMItemName(libraryId, name)) {
             std::snprintf(name, sizeof name, "%s", group.names[p]);
         }
-        appendSensor(array, group.sensors, name, Convert(group.conversion, raw), id);
+        appendSensor(array.get(), group.sensors, name, Convert(group.conversion, raw), id);
         found = true;
     }
-    addGroup(array, found, group.sensors);
+    addGroup(std::move(array), found, group.sensors);
 }
 
 uint32_t Vora4HWM::VoraIoTGetMDValue(uint32_t id, json_t* value) {

@@ -1,6 +1,7 @@
 #include "eCtl2HWM.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "binding/ECTL2Handle.h"
 #include "module/Status.h"
@@ -74,7 +75,7 @@ void eCtl2HWM::createIPSOCurrentPackage() { buildGroup(kCurrent); }
 
 void eCtl2HWM::buildGroup(int index) {
     const Group& group = kGroups[index];
-    json_t* array = json_array();
+    voradrv::JsonHolder array(json_array());
     bool found = false;
     for (unsigned block = 0; block < group.blocks; ++block) {
         for (unsigned slot = 0; slot < group.slots; ++slot) {
@@ -95,12 +96,12 @@ void eCtl2HWM::buildGroup(int index) {
             // Blocks share the slot's item id; the last block found wins.
             const uint32_t id = group.sensors.itemBase + slot;
             idtoLibIDMap[id] = libraryId;
-            appendSensor(array, group.sensors, group.names[group.slots * block + slot],
+            appendSensor(array.get(), group.sensors, group.names[group.slots * block + slot],
                          Convert(group.thousandths, v), id);
             found = true;
         }
     }
-    addGroup(array, found, group.sensors);
+    addGroup(std::move(array), found, group.sensors);
 }
 
 uint32_t eCtl2HWM::VoraIoTGetMDValue(uint32_t id, json_t* value) {

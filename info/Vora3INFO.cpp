@@ -62,10 +62,11 @@ bool BuildText(json_t* array, GetTextFn get, unsigned int& length, uint32_t id,
     if (!ReadText(get, length, text)) {
         return true;
     }
-    json_t* entry = TextEntry(label, text.c_str(), id);
-    // Kept even when the entry fails: the map is written before the check.
+    // Kept even when the entry fails: the map is written before the check,
+    // and before the entry is made, which nothing may come between and its
+    // append (so that an exception there cannot lose it).
     idtoStringValueMap[id] = text;
-    return AppendEntry(array, entry, builder);
+    return AppendEntry(array, TextEntry(label, text.c_str(), id), builder);
 }
 
 }  // namespace
@@ -86,11 +87,10 @@ void Vora3INFO::createIPSOInfoPackage(json_t* array) {
     VORA3Handle::mVoraDllGetVersion(&major, &minor);
     char text[32];  // "4294967295.4294967295" at most
     StringSprintf(text, sizeof text, "%u.%u", major, minor);
-    json_t* entry = TextEntry(kVersionLabels[0], text, kDriverVersionId);
     idtoStringValueMap[kDriverVersionId] = text;
     // The version has no messages of its own: its failures print the BIOS
     // revision's.
-    AppendEntry(array, entry, "get BIOS revision");
+    AppendEntry(array, TextEntry(kVersionLabels[0], text, kDriverVersionId), "get BIOS revision");
 }
 
 uint32_t Vora3INFO::VoraIoTGetMDValue(uint32_t id, json_t* value) {

@@ -11,6 +11,7 @@
 #include "function/FuncHWM.h"
 #include "function/FuncINFO.h"
 #include "function/FuncNetwork.h"
+#include "function/JsonHolder.h"
 #include "module/LibraryProbe.h"
 #include "module/ModuleState.h"
 #include "module/Status.h"
@@ -74,12 +75,13 @@ uint32_t BuildCapabilityDocument() {
         if (block == nullptr) {
             continue;
         }
-        json_t* capability = json_object();
-        const uint32_t status = block->VoraIoTGetMDCapability(capability);
+        // Held until here: the document takes a reference of its own, and the
+        // block's name (a copy) may fail to be made.
+        voradrv::JsonHolder capability(json_object());
+        const uint32_t status = block->VoraIoTGetMDCapability(capability.get());
         if (status == STATUS_SUCCESS) {
-            json_object_set(jasonCapabilityPackage, block->getName().c_str(), capability);
+            json_object_set(jasonCapabilityPackage, block->getName().c_str(), capability.get());
         }
-        json_decref(capability);
         if (status != STATUS_SUCCESS && status != STATUS_UNSUPPORTED) {
             std::printf("VORADrv create Cap: module:%d get cap failed\n", static_cast<int>(i));
             return status;
@@ -108,11 +110,14 @@ uint32_t Initialize() {
     }
     DeleteBlocks();
 
-    Function* const created[kBlockCount] = {FuncINFO::instance(), FuncHWM::instance(),
-                                            FuncGPIO::instance(), FuncBKL::instance(),
-                                            FuncNetwork::instance()};
+    // Each block enters the registry as soon as it exists (the room is
+    // reserved first, so adding it cannot fail): when creating the next one
+    // throws, the ones before are owned, not lost.
     functions.reserve(kBlockCount);
-    functions.assign(created, created + kBlockCount);
+    for (Function* (*create)() : {&FuncINFO::instance, &FuncHWM::instance, &FuncGPIO::instance,
+                                  &FuncBKL::instance, &FuncNetwork::instance}) {
+        functions.push_back(create());
+    }
 
     for (Function* block : functions) {
         if (block == nullptr) {

@@ -7,6 +7,8 @@
 
 #include <cstdio>
 #include <cstring>
+#include <fstream>
+#include <sstream>
 #include <vector>
 
 #include "vorasim.h"
@@ -66,6 +68,16 @@ void UseSimulator(Generation generation, const std::string& profile, const std::
     if (!profile.empty()) {
         ASSERT_EQ(0, ::setenv("VORA_SIM_BOARD", WriteTempFile(profile).c_str(), 1));
     }
+}
+
+std::string LargestBoard(Generation generation) {
+    static const char* const kFiles[] = {"vora4-largest.json", "vora3-largest.json",
+                                         "eapi-largest.json"};
+    std::ifstream in(std::string(VTEST_SOURCE_DIR) + "/sim/profiles/" +
+                     kFiles[static_cast<int>(generation)]);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
 }
 
 void HideSymbols(const std::string& names) {

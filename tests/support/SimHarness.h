@@ -31,6 +31,10 @@ void Redirect(std::initializer_list<std::pair<std::string, std::string>> present
 void UseSimulator(Generation generation, const std::string& profile = "",
                   const std::string& dir = "/usr/lib");
 
+// The text of the profile of the largest board `generation`'s library can
+// present (sim/profiles/<generation>-largest.json).
+std::string LargestBoard(Generation generation);
+
 // Hides library functions from the module's symbol lookups.
 void HideSymbols(const std::string& commaSeparatedNames);
 
