@@ -85,54 +85,44 @@ void Vora4BKL::createIPSOBKLPackage() {
 }
 
 uint32_t Vora4BKL::VoraIoTGetMDValue(uint32_t id, json_t* value) {
-    auto panel = idtoLibIDMap.find(id);
-    if (panel == idtoLibIDMap.end()) {
-        return STATUS_NOT_FOUND;
-    }
-    if (!isInteger(value)) {
-        return STATUS_INVALID_VALUE;
+    unsigned int panel = 0;
+    if (const uint32_t status = findPanel(id, value, panel); status != STATUS_SUCCESS) {
+        return status;
     }
     unsigned int v = 0;
     uint32_t status;
     switch (id & 0xFFFFFF00u) {
-        case kFrequencyKind: status = Library()->mVoraVgaGetFrequency(panel->second, &v); break;
-        case kPolarityKind: status = Library()->mVoraVgaGetPolarity(panel->second, &v); break;
-        case kOnOffKind: status = Library()->mVoraVgaGetBacklightEnable(panel->second, &v); break;
+        case kFrequencyKind: status = Library()->mVoraVgaGetFrequency(panel, &v); break;
+        case kPolarityKind: status = Library()->mVoraVgaGetPolarity(panel, &v); break;
+        case kOnOffKind: status = Library()->mVoraVgaGetBacklightEnable(panel, &v); break;
         case kBrightnessKind:
-            status = Library()->mVoraVgaGetBacklightBrightness(panel->second, &v);
+            status = Library()->mVoraVgaGetBacklightBrightness(panel, &v);
             break;
         default: return STATUS_NOT_FOUND;
     }
-    if (status != STATUS_SUCCESS) {
-        return STATUS_ERROR;
-    }
-    json_integer_set(value, static_cast<json_int_t>(v));
-    return STATUS_SUCCESS;
+    return answerRead(status, value, v);
 }
 
 uint32_t Vora4BKL::VoraIoTSetMDValue(uint32_t id, json_t* value) {
-    auto panel = idtoLibIDMap.find(id);
-    if (panel == idtoLibIDMap.end()) {
-        return STATUS_NOT_FOUND;
-    }
-    if (!isInteger(value)) {
-        return STATUS_INVALID_VALUE;
+    unsigned int panel = 0;
+    if (const uint32_t status = findPanel(id, value, panel); status != STATUS_SUCCESS) {
+        return status;
     }
     const auto v = static_cast<uint32_t>(json_integer_value(value));
     switch (id & 0xFFFFFF00u) {
-        case kFrequencyKind: return Library()->mVoraVgaSetFrequency(panel->second, v);
-        case kPolarityKind: return Library()->mVoraVgaSetPolarity(panel->second, v);
-        case kBrightnessKind: return Library()->mVoraVgaSetBacklightBrightness(panel->second, v);
+        case kFrequencyKind: return Library()->mVoraVgaSetFrequency(panel, v);
+        case kPolarityKind: return Library()->mVoraVgaSetPolarity(panel, v);
+        case kBrightnessKind: return Library()->mVoraVgaSetBacklightBrightness(panel, v);
         case kOnOffKind: {
             unsigned int present = 0;
-            const uint32_t status = Library()->mVoraVgaGetBacklightEnable(panel->second, &present);
+            const uint32_t status = Library()->mVoraVgaGetBacklightEnable(panel, &present);
             if (status != STATUS_SUCCESS) {
                 return status;
             }
             if (present == v) {
                 return STATUS_SUCCESS;
             }
-            return Library()->mVoraVgaSetBacklightEnable(panel->second, v);
+            return Library()->mVoraVgaSetBacklightEnable(panel, v);
         }
         default: return STATUS_NOT_FOUND;
     }

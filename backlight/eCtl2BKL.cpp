@@ -50,47 +50,37 @@ void eCtl2BKL::createIPSOBKLPackage() {
 }
 
 uint32_t eCtl2BKL::VoraIoTGetMDValue(uint32_t id, json_t* value) {
-    auto panel = idtoLibIDMap.find(id);
-    if (panel == idtoLibIDMap.end()) {
-        return STATUS_NOT_FOUND;
-    }
-    if (!isInteger(value)) {
-        return STATUS_INVALID_VALUE;
+    unsigned int panel = 0;
+    if (const uint32_t status = findPanel(id, value, panel); status != STATUS_SUCCESS) {
+        return status;
     }
     unsigned int v = 0;
     uint32_t status;
     switch (id & 0xFFFFFF00u) {
         case kOnOffKind:
-            status = Library()->mEApiVgaGetBacklightEnable(panel->second, &v);
+            status = Library()->mEApiVgaGetBacklightEnable(panel, &v);
             v = v != 0 ? 1 : 0;
             break;
         case kBrightnessKind:
-            status = Library()->mEApiVgaGetBacklightBrightness(panel->second, &v);
+            status = Library()->mEApiVgaGetBacklightBrightness(panel, &v);
             break;
         default: return STATUS_NOT_FOUND;
     }
-    if (status != STATUS_SUCCESS) {
-        return STATUS_ERROR;
-    }
-    json_integer_set(value, static_cast<json_int_t>(v));
-    return STATUS_SUCCESS;
+    return answerRead(status, value, v);
 }
 
 uint32_t eCtl2BKL::VoraIoTSetMDValue(uint32_t id, json_t* value) {
-    auto panel = idtoLibIDMap.find(id);
-    if (panel == idtoLibIDMap.end()) {
-        return STATUS_NOT_FOUND;
-    }
-    if (!isInteger(value)) {
-        return STATUS_INVALID_VALUE;
+    unsigned int panel = 0;
+    if (const uint32_t status = findPanel(id, value, panel); status != STATUS_SUCCESS) {
+        return status;
     }
     const auto v = static_cast<uint32_t>(json_integer_value(value));
     switch (id & 0xFFFFFF00u) {
         case kOnOffKind:
-            return Library()->mEApiVgaSetBacklightEnable(panel->second,
+            return Library()->mEApiVgaSetBacklightEnable(panel,
                                                          v == 0 ? kEnableOff : kEnableOn);
         case kBrightnessKind:
-            return Library()->mEApiVgaSetBacklightBrightness(panel->second, v);
+            return Library()->mEApiVgaSetBacklightBrightness(panel, v);
         default: return STATUS_NOT_FOUND;
     }
 }

@@ -69,3 +69,23 @@ bool FuncBKL::isInteger(json_t* value) {
     std::puts("VORADRV BKL Get Value: not a json integer");
     return false;
 }
+
+uint32_t FuncBKL::findPanel(uint32_t id, json_t* value, unsigned int& panel) {
+    const auto mapped = idtoLibIDMap.find(id);
+    if (mapped == idtoLibIDMap.end()) {
+        return STATUS_NOT_FOUND;
+    }
+    if (!isInteger(value)) {
+        return STATUS_INVALID_VALUE;
+    }
+    panel = mapped->second;
+    return STATUS_SUCCESS;
+}
+
+uint32_t FuncBKL::answerRead(uint32_t status, json_t* value, unsigned int reading) {
+    if (status != STATUS_SUCCESS) {
+        return STATUS_ERROR;
+    }
+    json_integer_set(value, static_cast<json_int_t>(reading));
+    return STATUS_SUCCESS;
+}

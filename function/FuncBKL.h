@@ -41,6 +41,15 @@ protected:
     // answers STATUS_INVALID_VALUE.
     static bool isInteger(json_t* value);
 
+    // The first checks of a get or set through `idtoLibIDMap`: an unknown id
+    // answers STATUS_NOT_FOUND, a value that is not an integer
+    // STATUS_INVALID_VALUE (with its message). STATUS_SUCCESS sets `panel`.
+    uint32_t findPanel(uint32_t id, json_t* value, unsigned int& panel);
+
+    // A get's answer from the library's `status`: STATUS_ERROR when the read
+    // failed (the host's value untouched), else the value set to `reading`.
+    static uint32_t answerRead(uint32_t status, json_t* value, unsigned int reading);
+
     static constexpr uint32_t kFrequencyKind = 0x1050200;
     static constexpr uint32_t kPolarityKind = 0x1050300;
     static constexpr uint32_t kOnOffKind = 0x1050400;

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "function/Family.h"
+#include "module/Status.h"
 #include "hwm/Vora3HWM.h"
 #include "hwm/Vora4HWM.h"
 #include "hwm/eCtl2HWM.h"
@@ -47,4 +48,24 @@ void FuncHWM::addGroup(voradrv::JsonHolder array, bool found, const SensorGroup&
     }
     items.push_back(record.get());
     record.release();
+}
+
+bool FuncHWM::isReal(json_t* value) {
+    if (json_is_real(value)) {
+        return true;
+    }
+    std::puts("VORADRV HWM Get Value: not a json real");
+    return false;
+}
+
+uint32_t FuncHWM::readMapped(uint32_t id, json_t* value,
+                             uint32_t (*read)(unsigned int, unsigned int*), unsigned int& raw) {
+    const auto item = idtoLibIDMap.find(id);
+    if (item == idtoLibIDMap.end()) {
+        return STATUS_NOT_FOUND;
+    }
+    if (!isReal(value)) {
+        return STATUS_INVALID_VALUE;
+    }
+    return read(item->second, &raw) == STATUS_SUCCESS ? STATUS_SUCCESS : STATUS_ERROR;
 }

@@ -43,6 +43,18 @@ protected:
     // recorded.
     void addGroup(voradrv::JsonHolder array, bool found, const SensorGroup& group);
 
+    // True when `value` is a JSON real; otherwise prints "VORADRV HWM Get
+    // Value: not a json real" and the caller answers STATUS_INVALID_VALUE.
+    static bool isReal(json_t* value);
+
+    // The first steps of a read through `idtoLibIDMap`: an unknown id answers
+    // STATUS_NOT_FOUND (silently), a value that is not a real
+    // STATUS_INVALID_VALUE, a failed library `read` STATUS_ERROR (the
+    // library's own status is not passed on). STATUS_SUCCESS leaves the
+    // library's reading in `raw` for the caller to convert.
+    uint32_t readMapped(uint32_t id, json_t* value, uint32_t (*read)(unsigned int, unsigned int*),
+                        unsigned int& raw);
+
 private:
     void buildPackage() override { createIPSOHWMPackage(); }
 };

@@ -142,8 +142,7 @@ void Vora3HWM::buildGroup(int index) {
 }
 
 uint32_t Vora3HWM::VoraIoTGetMDValue(uint32_t id, json_t* value) {
-    if (!json_is_real(value)) {
-        std::puts("VORADRV HWM Get Value: not a json real");
+    if (!isReal(value)) {
         return STATUS_INVALID_VALUE;
     }
     // The item number selects the bit, the shift count taken modulo 32: item

@@ -124,17 +124,10 @@ void Vora4HWM::buildGroup(int index) {
 }
 
 uint32_t Vora4HWM::VoraIoTGetMDValue(uint32_t id, json_t* value) {
-    auto item = idtoLibIDMap.find(id);
-    if (item == idtoLibIDMap.end()) {
-        return STATUS_NOT_FOUND;
-    }
-    if (!json_is_real(value)) {
-        std::puts("VORADRV HWM Get Value: not a json real");
-        return STATUS_INVALID_VALUE;
-    }
     unsigned int raw = 0;
-    if (VORA4Handle::instance()->mVoraBoardGetValue(item->second, &raw) != STATUS_SUCCESS) {
-        return STATUS_ERROR;
+    const uint32_t status = readMapped(id, value, &VORA4Handle::mVoraBoardGetValue, raw);
+    if (status != STATUS_SUCCESS) {
+        return status;
     }
     for (const Group& group : kGroups) {
         if ((group.sensors.itemBase & 0xFFFFFF00u) == (id & 0xFFFFFF00u)) {

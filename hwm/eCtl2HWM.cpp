@@ -105,17 +105,10 @@ void eCtl2HWM::buildGroup(int index) {
 }
 
 uint32_t eCtl2HWM::VoraIoTGetMDValue(uint32_t id, json_t* value) {
-    auto item = idtoLibIDMap.find(id);
-    if (item == idtoLibIDMap.end()) {
-        return STATUS_NOT_FOUND;
-    }
-    if (!json_is_real(value)) {
-        std::puts("VORADRV HWM Get Value: not a json real");
-        return STATUS_INVALID_VALUE;
-    }
     unsigned int raw = 0;
-    if (Library()->mEApiBoardGetValue(item->second, &raw) != STATUS_SUCCESS) {
-        return STATUS_ERROR;
+    const uint32_t status = readMapped(id, value, &ECTL2Handle::mEApiBoardGetValue, raw);
+    if (status != STATUS_SUCCESS) {
+        return status;
     }
     const uint32_t kind = id & 0xFFFFFF00u;
     const bool thousandths = kind == (kGroups[kVoltage].sensors.itemBase & 0xFFFFFF00u) ||
