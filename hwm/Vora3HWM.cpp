@@ -1,7 +1,6 @@
 #include "Vora3HWM.h"
 
 #include <cmath>
-#include <cstdio>
 #include <utility>
 #include <limits>
 

@@ -1,6 +1,5 @@
 #include "eCtl2HWM.h"
 
-#include <cstdio>
 #include <utility>
 
 #include "binding/ECTL2Handle.h"
