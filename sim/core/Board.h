@@ -49,6 +49,17 @@ struct CustomerString {
     std::string value;
 };
 
+// Board value keys by position, as the fourth-generation and Embedded API
+// libraries number them.
+constexpr const char* kValueKeys[] = {"spec_version",         "boot_count",
+                                      "running_hours",        "pnp_id",
+                                      "platform_revision",    "last_shutdown_status",
+                                      "last_shutdown_event"};
+constexpr const char* kVersionKeys[] = {"driver_version", "library_version", "firmware_version"};
+constexpr const char* kStringKeys[] = {"manufacturer",  "name",          "revision",
+                                       "serial_number", "bios_revision", "hardware_revision",
+                                       "platform_type", "firmware_name", "bios_name"};
+
 struct Board {
     // Board texts by key: "manufacturer", "name", "revision", "serial_number",
     // "bios_revision", "hardware_revision", "platform_type", "firmware_name",
