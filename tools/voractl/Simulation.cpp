@@ -5,10 +5,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <functional>
-
 #include <cerrno>
+#include <cstdio>
 #include <cstring>
+#include <functional>
 
 #include "Format.h"
 #include "Module.h"
@@ -53,6 +53,8 @@ time_t ModifiedAt(const std::string& path) {
 }
 
 // Where this user's simulated boards are kept.
+// Empty when there is no private one: a directory under /tmp that another
+// user could have made (or a link to elsewhere) is not used.
 std::string StateDirectory() {
     const char* runtime = std::getenv("XDG_RUNTIME_DIR");
     if (runtime != nullptr && *runtime != '\0' && access(runtime, W_OK) == 0) {
@@ -60,6 +62,15 @@ std::string StateDirectory() {
     }
     const std::string dir = "/tmp/voractl-" + std::to_string(getuid());
     mkdir(dir.c_str(), 0700);
+    struct stat status {};
+    if (lstat(dir.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) ||
+        status.st_uid != getuid() || (status.st_mode & 077) != 0) {
+        std::fprintf(stderr,
+                     "voractl: %s is not a private directory of yours; the simulated board is "
+                     "not kept between runs\n",
+                     dir.c_str());
+        return "";
+    }
     return dir;
 }
 
@@ -72,9 +83,12 @@ void PrepareState(const std::string& profile, const std::string& library,
     if (given != nullptr && *given != '\0') {
         state = given;
     } else {
+        const std::string dir = StateDirectory();
+        if (dir.empty()) {
+            return;
+        }
         const size_t key = std::hash<std::string>{}(profile.empty() ? "built-in" : profile);
-        state = StateDirectory() + "/voractl-sim-" + generation + "-" + std::to_string(key) +
-                ".json";
+        state = dir + "/voractl-sim-" + generation + "-" + std::to_string(key) + ".json";
         setenv("VORA_SIM_STATE", state.c_str(), 1);
     }
     const time_t board = ModifiedAt(profile.empty() ? library : profile);
