@@ -2,15 +2,15 @@
 // heap beyond what the board-library call itself does. Counted with the
 // malloc replacements of support/AllocationCounter.c (not in sanitizer
 // builds, whose allocator is their own).
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <functional>
 #include <string>
 
 #include "AllocationCounter.h"
+#include "HeapUse.h"
 #include "SimHarness.h"
+#include "binding/Vora4Library.h"
 #include "voradrv.h"
 
 using vtest::Generation;
@@ -31,33 +31,19 @@ uint64_t AllocationsOf(const std::function<uint32_t()>& call) {
     return vcount_allocations() - before;
 }
 
-template <typename Fn>
-Fn Library(const vtest::SimControl& sim, const char* name) {
-    return reinterpret_cast<Fn>(::dlsym(sim.handle(), name));
-}
-
 }  // namespace
 
-// Under memcheck (tests/run-test.sh) Valgrind's allocator takes the place of
-// the counting one, which then sees nothing.
-bool UnderMemcheck() {
-    const char* memcheck = std::getenv("VTEST_MEMCHECK");
-    return memcheck != nullptr && std::string(memcheck) == "1";
-}
-
 TEST(ReadAllocation, NumericReadsAddNoAllocationToTheLibraryCall) {
-    if (UnderMemcheck()) {
+    if (vtest::UnderMemcheck()) {
         GTEST_SKIP() << "the allocator is Valgrind's under memcheck";
     }
     vtest::UseSimulator(Generation::Vora4);
     vtest::SimControl sim(Generation::Vora4);
     ASSERT_EQ(0u, VoraIoTInitialize());
-    using GetValue = uint32_t (*)(unsigned int, unsigned int*);
-    using GetPin = uint32_t (*)(unsigned int, unsigned int, unsigned int*);
-    using GetPanel = uint32_t (*)(unsigned int, unsigned int*);
-    const auto getValue = Library<GetValue>(sim, "VoraBoardGetValue");
-    const auto getLevel = Library<GetPin>(sim, "VoraGPIOGetLevel");
-    const auto getBrightness = Library<GetPanel>(sim, "VoraVgaGetBacklightBrightness");
+    const auto getValue = sim.function<decltype(VoraBoardGetValue)>("VoraBoardGetValue");
+    const auto getLevel = sim.function<decltype(VoraGPIOGetLevel)>("VoraGPIOGetLevel");
+    const auto getBrightness = sim.function<decltype(VoraVgaGetBacklightBrightness)>(
+        "VoraVgaGetBacklightBrightness");
     ASSERT_TRUE(getValue != nullptr && getLevel != nullptr && getBrightness != nullptr);
 
     struct Case {
@@ -85,7 +71,7 @@ TEST(ReadAllocation, NumericReadsAddNoAllocationToTheLibraryCall) {
 }
 
 TEST(ReadAllocation, TheCounterSeesTheModulesAllocations) {
-    if (UnderMemcheck()) {
+    if (vtest::UnderMemcheck()) {
         GTEST_SKIP() << "the allocator is Valgrind's under memcheck";
     }
     // A text read must copy the text into the host's JSON string: the counter

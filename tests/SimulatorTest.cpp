@@ -18,13 +18,7 @@ using vtest::Generation;
 namespace {
 
 // A simulated library's function, looked up in the library itself.
-template <typename Fn>
-Fn* Function(vtest::SimControl& sim, const char* name) {
-    auto* f = reinterpret_cast<Fn*>(dlsym(sim.handle(), name));
-    EXPECT_NE(nullptr, f) << name;
-    return f;
-}
-#define SIM_FN(sim, name) Function<decltype(::name)>(sim, #name)
+#define SIM_FN(sim, name) (sim).function<decltype(::name)>(#name)
 
 }  // namespace
 

@@ -1,6 +1,5 @@
 // voractl on the third-generation and Embedded API boards: every command
-// against each simulated library. Until the module serves a generation (its
-// blocks are built on their own branches), these tests skip.
+// against each simulated library.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -17,14 +16,6 @@ namespace {
 
 class OtherGenerations : public ::testing::TestWithParam<const char*> {
 protected:
-    void SetUp() override {
-        if (!vtest::GenerationServed(GetParam())) {
-            GTEST_SKIP() << "voractl --sim --sim-generation " << GetParam()
-                         << " list does not come up: the module does not serve this "
-                            "generation's board library yet";
-        }
-    }
-
     ToolResult run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"--sim", "--sim-generation", GetParam()});
         return vtest::Voractl(arguments);

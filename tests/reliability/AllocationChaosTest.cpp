@@ -10,8 +10,7 @@
 #include <gtest/gtest.h>
 #include <link.h>
 
-#include <cstdlib>
-#include <cstring>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,16 +20,11 @@
 #include "voradrv.h"
 
 using vtest::Generation;
-using vtest::JsonPtr;
-using vtest::Own;
 
 namespace {
 
 // While true, the module is running (an entry point was called).
 thread_local bool inModule = false;
-// The module's allocation (counted from 0) that fails; -1: none.
-long failAt = -1;
-long counted = 0;
 
 // Code of the simulated board libraries: their allocations never fail, as
 // the fault under test is the module's, not the library's.
@@ -41,10 +35,8 @@ void FindLibraryCode() {
     dl_iterate_phdr(
         [](dl_phdr_info* info, size_t, void*) {
             const std::string name = info->dlpi_name != nullptr ? info->dlpi_name : "";
-            if (name.find("/sim/lib") == std::string::npos) {
-                return 0;
-            }
-            for (int i = 0; i < info->dlpi_phnum; ++i) {
+            const bool simulator = name.find("/sim/lib") != std::string::npos;
+            for (int i = 0; simulator && i < info->dlpi_phnum; ++i) {
                 const ElfW(Phdr)& segment = info->dlpi_phdr[i];
                 if (segment.p_type == PT_LOAD && (segment.p_flags & PF_X) != 0) {
                     const uintptr_t start = info->dlpi_addr + segment.p_vaddr;
@@ -72,8 +64,14 @@ bool CalledFromLibrary() {
     return false;
 }
 
-// Asked before each allocation through operator new: true when it is the
-// module's allocation that is to fail.
+// The allocation (counted from 0 over a pass) that fails; -1: none. Through
+// jansson, it and every JSON allocation after it answer null; through
+// operator new, the module's allocation with that number throws.
+long failAt = -1;
+long counted = 0;
+
+bool JsonAllocationFails() { return failAt >= 0 && counted++ >= failAt; }
+
 bool ModuleAllocationFails() {
     if (!inModule || failAt < 0) {
         return false;
@@ -84,122 +82,60 @@ bool ModuleAllocationFails() {
     return !library && counted++ == failAt;
 }
 
-// JSON allocations fail once `jsonLeft` reaches 0; -1: never.
-long jsonLeft = -1;
-
-bool JsonAllocationFails() {
-    if (jsonLeft == 0) {
-        return true;
-    }
-    if (jsonLeft > 0) {
-        --jsonLeft;
-    }
-    return false;
-}
-
-struct Item {
-    uint32_t id;
-    json_type type;
-};
-
-// One host pass; each entry point runs with the module flag set and
-// standard output captured. Returns what the module printed; `statuses`
-// receives each call's status.
-class HostPass {
-public:
-    explicit HostPass(std::vector<Item> items) : items_(std::move(items)) {}
-
-    std::string run(std::vector<uint32_t>& statuses) {
-        statuses.clear();
-        vtest::StdoutCapture out;
-        statuses.push_back(Module("VoraIoTInitialize", [] { return VoraIoTInitialize(); }));
-        json_t* document = json_object();
-        statuses.push_back(
-            Module("VoraIoTGetMDCapability", [&] { return VoraIoTGetMDCapability(document); }));
-        json_decref(document);
-        for (const Item& item : items_) {
-            json_t* value = item.type == JSON_REAL     ? json_real(0)
-                            : item.type == JSON_STRING ? json_string("")
-                                                       : json_integer(0);
-            statuses.push_back(
-                Module("VoraIoTGetMDValue", [&] { return VoraIoTGetMDValue(item.id, value); }));
-            json_decref(value);
-        }
-        statuses.push_back(Module("VoraIoTUninitialize", [] { return VoraIoTUninitialize(); }));
-        return out.finish();
-    }
-
-    std::vector<std::string> escaped;  // entry points an exception left
-
-private:
-    template <typename Call>
-    uint32_t Module(const char* name, Call call) {
-        inModule = true;
+// One host pass, each entry point called with the module flag set and
+// standard output captured. Returns each call's status; `printed` receives
+// what the module printed, `escaped` the entry points an exception left.
+std::vector<uint32_t> HostPass(const std::vector<vtest::Item>& items, std::string& printed,
+                               std::vector<std::string>& escaped) {
+    std::vector<uint32_t> statuses;
+    auto module = [&](const char* name, const std::function<uint32_t()>& call) {
         uint32_t status = 0xDEADBEEF;
+        inModule = true;
         try {
             status = call();
         } catch (...) {
+            inModule = false;
             escaped.push_back(name);
         }
         inModule = false;
-        return status;
+        statuses.push_back(status);
+    };
+    vtest::StdoutCapture out;
+    module("VoraIoTInitialize", VoraIoTInitialize);
+    json_t* document = json_object();
+    module("VoraIoTGetMDCapability", [&] { return VoraIoTGetMDCapability(document); });
+    json_decref(document);
+    for (const vtest::Item& item : items) {
+        json_t* value = vtest::Sentinel(item.type);
+        module("VoraIoTGetMDValue", [&] { return VoraIoTGetMDValue(item.id, value); });
+        json_decref(value);
     }
-
-    std::vector<Item> items_;
-};
-
-// The items of the board's document, by the type of their value.
-std::vector<Item> Items(const json_t* node) {
-    std::vector<Item> items;
-    size_t i;
-    const json_t* element;
-    json_array_foreach(json_object_get(node, "e"), i, element) {
-        const auto id = static_cast<uint32_t>(json_integer_value(json_object_get(element, "id")));
-        if (const json_t* v = json_object_get(element, "v")) {
-            items.push_back({id, json_is_real(v) ? JSON_REAL : JSON_INTEGER});
-        } else if (json_object_get(element, "sv") != nullptr) {
-            items.push_back({id, JSON_STRING});
-        } else {
-            items.push_back({id, JSON_INTEGER});
-        }
-    }
-    const char* key;
-    json_t* member;
-    json_object_foreach(const_cast<json_t*>(node), key, member) {
-        if (json_is_object(member)) {
-            for (const Item& item : Items(member)) {
-                items.push_back(item);
-            }
-        }
-    }
-    return items;
+    module("VoraIoTUninitialize", VoraIoTUninitialize);
+    printed = out.finish();
+    return statuses;
 }
 
-std::vector<Item> BoardItems() {
-    vtest::StdoutCapture quiet;
-    if (VoraIoTInitialize() != 0) {
-        return {};
-    }
-    JsonPtr document = Own(json_object());
-    VoraIoTGetMDCapability(document.get());
-    std::vector<Item> items = Items(document.get());
-    document.reset();
-    VoraIoTUninitialize();
-    return items;
-}
-
-// Runs passes with failure number n = 0, 1, ... armed by `arm` until a pass
-// completes without reaching it (`reached` tells).
-template <typename Arm, typename Disarm, typename Reached>
-void EachFailureInTurn(Generation generation, Arm arm, Disarm disarm, Reached reached) {
+// Runs passes with allocation n = 0, 1, ... failing until a pass makes
+// fewer allocations than n.
+void EachFailureInTurn(Generation generation, bool json) {
     vtest::UseSimulator(generation);
     vtest::SimControl sim(generation);
     FindLibraryCode();
-    const std::vector<Item> items = BoardItems();
-    ASSERT_FALSE(items.empty());
-    HostPass pass(items);
-    std::vector<uint32_t> clean;
-    pass.run(clean);
+    std::vector<vtest::Item> items;
+    {
+        vtest::StdoutCapture quiet;
+        ASSERT_EQ(0u, VoraIoTInitialize());
+        items = vtest::Items(vtest::ModuleCapability().get());
+        VoraIoTUninitialize();
+    }
+    if (json) {
+        vtest::alloc::SetJsonFailure(JsonAllocationFails);
+    } else {
+        vtest::alloc::SetNewFailure(ModuleAllocationFails);
+    }
+    std::string printed;
+    std::vector<std::string> escaped;
+    const std::vector<uint32_t> clean = HostPass(items, printed, escaped);
 
     // Memory in use must be the same before and after a failing pass. When it
     // is not, the pass runs again: what the first run set up for good (caches
@@ -207,14 +143,13 @@ void EachFailureInTurn(Generation generation, Arm arm, Disarm disarm, Reached re
     // it must not grow.
     long n = 0;
     auto failingPass = [&] {
-        std::vector<uint32_t> statuses;
-        arm(n);
-        const std::string printed = pass.run(statuses);
-        const bool done = !reached(n);
-        disarm();
-        EXPECT_TRUE(pass.escaped.empty())
-            << "an exception left " << pass.escaped.front() << " (failure " << n << ")";
-        pass.escaped.clear();
+        counted = 0;
+        failAt = n;
+        const std::vector<uint32_t> statuses = HostPass(items, printed, escaped);
+        const bool done = counted <= n;
+        failAt = -1;
+        EXPECT_EQ(std::vector<std::string>{}, escaped) << "exceptions left (failure " << n << ")";
+        escaped.clear();
         EXPECT_EQ("", vtest::UnknownOutput(printed)) << "failure " << n;
         EXPECT_TRUE(statuses.front() == 0 || statuses.front() == VORADRV_STATUS_ERROR)
             << "initialise answered " << statuses.front() << " (failure " << n << ")";
@@ -235,11 +170,7 @@ void EachFailureInTurn(Generation generation, Arm arm, Disarm disarm, Reached re
         if (done) {
             break;
         }
-        {
-            std::vector<uint32_t> after;
-            pass.run(after);
-            EXPECT_EQ(clean, after) << "a pass after failure " << n;
-        }
+        EXPECT_EQ(clean, HostPass(items, printed, escaped)) << "a pass after failure " << n;
         if (::testing::Test::HasFailure()) {
             break;  // one failure's report is enough
         }
@@ -247,40 +178,11 @@ void EachFailureInTurn(Generation generation, Arm arm, Disarm disarm, Reached re
     std::printf("%ld allocations made to fail in turn\n", n);
 }
 
-void JsonAllocationsFailInTurn(Generation generation) {
-    EachFailureInTurn(
-        generation,
-        [](long n) {
-            jsonLeft = n;
-            vtest::alloc::SetJsonFailure(JsonAllocationFails);
-        },
-        [] {
-            jsonLeft = -1;
-            vtest::alloc::SetJsonFailure(nullptr);
-        },
-        [](long) { return jsonLeft == 0; });
-}
-
-void CxxAllocationsThrowInTurn(Generation generation) {
-    EachFailureInTurn(
-        generation,
-        [](long n) {
-            counted = 0;
-            failAt = n;
-            vtest::alloc::SetNewFailure(ModuleAllocationFails);
-        },
-        [] {
-            failAt = -1;
-            vtest::alloc::SetNewFailure(nullptr);
-        },
-        [](long n) { return counted > n; });
-}
-
 }  // namespace
 
-TEST(AllocationChaos, JsonOnTheFourthGeneration) { JsonAllocationsFailInTurn(Generation::Vora4); }
-TEST(AllocationChaos, JsonOnTheThirdGeneration) { JsonAllocationsFailInTurn(Generation::Vora3); }
-TEST(AllocationChaos, JsonOnTheEApiLibrary) { JsonAllocationsFailInTurn(Generation::EApi); }
-TEST(AllocationChaos, CxxOnTheFourthGeneration) { CxxAllocationsThrowInTurn(Generation::Vora4); }
-TEST(AllocationChaos, CxxOnTheThirdGeneration) { CxxAllocationsThrowInTurn(Generation::Vora3); }
-TEST(AllocationChaos, CxxOnTheEApiLibrary) { CxxAllocationsThrowInTurn(Generation::EApi); }
+TEST(AllocationChaos, JsonOnTheFourthGeneration) { EachFailureInTurn(Generation::Vora4, true); }
+TEST(AllocationChaos, JsonOnTheThirdGeneration) { EachFailureInTurn(Generation::Vora3, true); }
+TEST(AllocationChaos, JsonOnTheEApiLibrary) { EachFailureInTurn(Generation::EApi, true); }
+TEST(AllocationChaos, CxxOnTheFourthGeneration) { EachFailureInTurn(Generation::Vora4, false); }
+TEST(AllocationChaos, CxxOnTheThirdGeneration) { EachFailureInTurn(Generation::Vora3, false); }
+TEST(AllocationChaos, CxxOnTheEApiLibrary) { EachFailureInTurn(Generation::EApi, false); }

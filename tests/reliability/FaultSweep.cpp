@@ -24,7 +24,6 @@
 #include <cstring>
 #include <fstream>
 #include <map>
-#include <set>
 #include <sstream>
 
 #include "HeapUse.h"
@@ -43,24 +42,7 @@ namespace {
 // At most this many lines of a failed run's report are shown.
 constexpr int kReportLines = 12;
 
-std::optional<Generation> GenerationNamed(const std::string& name) {
-    if (name == "4") return Generation::Vora4;
-    if (name == "3") return Generation::Vora3;
-    if (name == "eapi") return Generation::EApi;
-    return std::nullopt;
-}
-
-std::string KeyText(const std::optional<uint32_t>& key) {
-    char text[16] = "-";
-    if (key) {
-        std::snprintf(text, sizeof text, "0x%X", *key);
-    }
-    return text;
-}
-
-std::string CallText(const Call& call) {
-    return call.function + (call.key ? " " + KeyText(call.key) : "");
-}
+std::string KeyText(const std::optional<uint32_t>& key) { return key ? vtest::Hex(*key) : "-"; }
 
 // A distinct call of the clean pass, and whether the module made it while
 // initialising, afterwards, or both.
@@ -71,7 +53,8 @@ struct Made {
 };
 
 // The clean pass's record: each step's status by key, and the distinct calls
-// in the order the module first made them.
+// in the order the module first made them. Written as lines of tab-separated
+// fields: "step STATUS KEY" and "call FUNCTION KEY AT-INIT LATER".
 struct Record {
     std::map<std::string, uint32_t> statuses;
     std::vector<Made> calls;
@@ -85,7 +68,7 @@ void WriteRecord(const std::string& path, const std::vector<vtest::Step>& steps)
         out << "step\t" << step.status << "\t" << step.key() << "\n";
         for (const std::string& line : step.calls) {
             const Call call = sweep::ParseCall(line);
-            auto [at, added] = index.emplace(call, calls.size());
+            const auto [at, added] = index.emplace(call, calls.size());
             if (added) {
                 calls.push_back({call});
             }
@@ -94,76 +77,67 @@ void WriteRecord(const std::string& path, const std::vector<vtest::Step>& steps)
     }
     for (const Made& made : calls) {
         out << "call\t" << made.call.function << "\t" << KeyText(made.call.key) << "\t"
-            << made.atInit << made.later << "\n";
+            << made.atInit << "\t" << made.later << "\n";
     }
 }
 
 Record ReadRecord(const std::string& path) {
     Record record;
     std::ifstream in(path);
-    std::string line;
-    while (std::getline(in, line)) {
+    for (std::string line; std::getline(in, line);) {
         std::istringstream fields(line);
-        std::string what;
+        std::string what, first, second;
         std::getline(fields, what, '\t');
+        std::getline(fields, first, '\t');
+        std::getline(fields, second, what == "step" ? '\n' : '\t');
         if (what == "step") {
-            std::string status;
-            std::string key;
-            std::getline(fields, status, '\t');
-            std::getline(fields, key);
-            record.statuses[key] = static_cast<uint32_t>(std::stoul(status));
+            record.statuses[second] = static_cast<uint32_t>(std::stoul(first));
         } else if (what == "call") {
-            Made made;
-            std::string key;
-            std::string when;
-            std::getline(fields, made.call.function, '\t');
-            std::getline(fields, key, '\t');
-            std::getline(fields, when);
-            if (key != "-") {
-                made.call.key = static_cast<uint32_t>(std::stoul(key, nullptr, 16));
+            Made made{{first, std::nullopt}};
+            if (second != "-") {
+                made.call.key = static_cast<uint32_t>(std::stoul(second, nullptr, 16));
             }
-            made.atInit = when.size() == 2 && when[0] == '1';
-            made.later = when.size() == 2 && when[1] == '1';
+            fields >> made.atInit >> made.later;
             record.calls.push_back(made);
         }
     }
     return record;
 }
 
-// One run of the pass; returns its exit status.
-int Child(Generation generation, const std::string& cleanPath, const std::optional<Fault>& fault) {
-    vtest::UseSimulator(generation);
-    vtest::SimControl sim(generation);
+// One pass with `fault` misbehaving (none: a clean pass). A fault that comes
+// after initialise is added once the capability is built and withdrawn after
+// the pass, so every pass initialises without it.
+std::vector<vtest::Step> PassWith(vtest::SimControl& sim, vtest::StdoutCapture& out,
+                                  const std::optional<Fault>& fault) {
+    sim.clearFaults();
     const bool later = fault && fault->afterInit;
     if (fault && !later) {
         sim.addFault(sweep::FaultJson(*fault));
     }
+    std::vector<vtest::Step> steps = vtest::RunPass(sim, out, [&] {
+        if (later) {
+            sim.addFault(sweep::FaultJson(*fault));
+        }
+    });
+    sim.clearFaults();
+    return steps;
+}
+
+// One run of the pass; returns its exit status.
+int Child(Generation generation, const std::string& cleanPath, const std::optional<Fault>& fault) {
+    vtest::UseSimulator(generation);
+    vtest::SimControl sim(generation);
     std::vector<vtest::Step> steps;
     size_t before = 0;
     size_t after = 0;
     {
-        vtest::OutputTap tap;
-        // A fault that comes after initialise is added once the capability is
-        // built and withdrawn after the pass, so every pass initialises
-        // without it.
-        vtest::ModulePass pass(sim, tap, [&] {
-            if (later) {
-                sim.addFault(sweep::FaultJson(*fault));
-            }
-        });
-        auto run = [&] {
-            std::vector<vtest::Step> result = pass.run();
-            if (later) {
-                sim.clearFaults();
-            }
-            return result;
-        };
-        steps = run();
+        vtest::StdoutCapture out;
+        steps = PassWith(sim, out, fault);
         // Whatever a pass leaves behind shows as heap growth over a further
         // one (the first may set up what lives as long as the process).
-        run();
+        PassWith(sim, out, fault);
         before = vtest::HeapInUse();
-        run();
+        PassWith(sim, out, fault);
         after = vtest::HeapInUse();
     }
 
@@ -195,24 +169,6 @@ int Child(Generation generation, const std::string& cleanPath, const std::option
     return problems.empty() ? 0 : 1;
 }
 
-std::string Self() {
-    char path[4096];
-    const ssize_t n = readlink("/proc/self/exe", path, sizeof path - 1);
-    path[n < 0 ? 0 : n] = '\0';
-    return path;
-}
-
-// With VTEST_MEMCHECK=1 the sweep ends with a run under Valgrind's memcheck,
-// in one process (Batch): every call failing with a status that changes
-// nothing else, so that the library leaves its outputs unwritten, which is
-// what an output variable the module did not initialise would show. Any
-// memory error, a use of an uninitialised value among them, or any byte
-// definitely or indirectly lost fails it.
-bool Memcheck() {
-    const char* memcheck = std::getenv("VTEST_MEMCHECK");
-    return memcheck != nullptr && std::strcmp(memcheck, "1") == 0;
-}
-
 // A call made both while initialising and afterwards also misbehaves only
 // afterwards.
 std::vector<const char*> Timings(const Made& made) {
@@ -223,76 +179,62 @@ std::vector<const char*> Timings(const Made& made) {
     return timings;
 }
 
-// The kinds that only change a call's status.
-std::vector<Kind> StatusOnly(Generation generation) {
-    std::vector<Kind> kinds{Kind::Failure};
-    if (generation == Generation::Vora3) {
-        kinds.push_back(Kind::FailureZero);
-    }
-    return kinds;
-}
-
-// Every status-only fault of the clean pass's record, one pass each, in this
-// one process; only memory errors count here (the sweep holds the rest).
+// With VTEST_MEMCHECK=1 the sweep ends with a run under Valgrind's memcheck,
+// in one process: every call failing with a status that changes nothing
+// else, so that the library leaves its outputs unwritten, which is what an
+// output variable the module did not initialise would show. Only memory
+// errors count here (the sweep holds the rest): a use of an uninitialised
+// value among them, or any byte definitely or indirectly lost.
 int Batch(Generation generation, const std::string& cleanPath) {
     vtest::UseSimulator(generation);
     vtest::SimControl sim(generation);
-    const Record record = ReadRecord(cleanPath);
-    std::optional<Fault> fault;
+    std::vector<Kind> statusOnly{Kind::Failure};
+    if (generation == Generation::Vora3) {
+        statusOnly.push_back(Kind::FailureZero);
+    }
     int runs = 0;
     {
-        vtest::OutputTap tap;
-        vtest::ModulePass pass(sim, tap, [&] {
-            if (fault && fault->afterInit) {
-                sim.addFault(sweep::FaultJson(*fault));
-            }
-        });
-        for (const Made& made : record.calls) {
-            for (const Kind kind : StatusOnly(generation)) {
+        vtest::StdoutCapture out;
+        for (const Made& made : ReadRecord(cleanPath).calls) {
+            for (const Kind kind : statusOnly) {
                 for (const char* when : Timings(made)) {
-                    sim.clearFaults();
-                    fault = Fault{made.call, kind, std::strcmp(when, "after-init") == 0};
-                    if (!fault->afterInit) {
-                        sim.addFault(sweep::FaultJson(*fault));
-                    }
-                    pass.run();
+                    const bool later = std::strcmp(when, "after-init") == 0;
+                    PassWith(sim, out, Fault{made.call, kind, later});
                     ++runs;
                 }
             }
         }
-        sim.clearFaults();
     }
     std::printf("%d runs\n", runs);
     return 0;
 }
 
-void ShowReport(const vtest::ToolResult& run) {
-    std::istringstream report(run.err + run.out);
-    std::string line;
-    for (int n = 0; n < kReportLines && std::getline(report, line); ++n) {
-        std::printf("    %s\n", line.c_str());
-    }
+std::string Self() {
+    char path[4096];
+    const ssize_t n = readlink("/proc/self/exe", path, sizeof path - 1);
+    path[n < 0 ? 0 : n] = '\0';
+    return path;
 }
 
-// The memcheck run of the sweep; false when it failed.
-bool UnderMemcheck(const std::string& self, const std::string& name,
-                   const std::string& cleanPath) {
-    const vtest::ToolResult batch = vtest::RunTool(
-        "/usr/bin/env", {"valgrind", "--quiet", "--error-exitcode=99", "--leak-check=full",
-                         "--errors-for-leak-kinds=definite,indirect",
-                         "--show-leak-kinds=definite,indirect", self, "--batch", name, cleanPath});
-    std::printf("fault sweep (%s) under memcheck, every status-only fault: %s", name.c_str(),
-                batch.out.c_str());
-    if (batch.status != 0) {
-        std::printf("FAILED under memcheck:\n");
-        ShowReport(batch);
-        return false;
+// Runs `program` (by default this one) with `arguments`; when it fails,
+// prints `what` and the start of its report.
+vtest::ToolResult Run(const std::vector<std::string>& arguments, const std::string& what,
+                      const std::string& program = Self()) {
+    const vtest::ToolResult run = vtest::RunTool(program, arguments);
+    if (run.status != 0) {
+        std::printf("FAILED %s (%s):\n", what.c_str(),
+                    run.status < 0 ? "crashed"
+                                   : ("exit status " + std::to_string(run.status)).c_str());
+        std::istringstream report(run.err + run.out);
+        std::string line;
+        for (int i = 0; i < kReportLines && std::getline(report, line); ++i) {
+            std::printf("    %s\n", line.c_str());
+        }
     }
-    return true;
+    return run;
 }
 
 int Sweep(const std::string& name) {
-    const std::string self = Self();
     char cleanPath[] = "/tmp/voradrv-sweep-XXXXXX";
     const int fd = mkstemp(cleanPath);
     if (fd < 0) {
@@ -300,43 +242,34 @@ int Sweep(const std::string& name) {
         return 1;
     }
     close(fd);
-    const vtest::ToolResult clean = vtest::RunTool(self, {"--child", name, cleanPath});
-    if (clean.status != 0) {
-        std::printf("fault sweep (%s): the clean pass failed\n", name.c_str());
-        ShowReport(clean);
+    if (Run({"--child", name, cleanPath}, "the clean pass").status != 0) {
         unlink(cleanPath);
         return 1;
     }
-    const Generation generation = *GenerationNamed(name);
+    const Generation generation = *vtest::GenerationNamed(name);
     const Record record = ReadRecord(cleanPath);
-
     std::map<std::string, int> runsByKind;
     int runs = 0;
     int failed = 0;
     for (const Made& made : record.calls) {
-        const Call& call = made.call;
-        const unsigned traits = sweep::Traits(generation, call.function);
+        const std::string callText = made.call.function + " " + KeyText(made.call.key);
+        const unsigned traits = sweep::Traits(generation, made.call.function);
         if (traits == 0) {
             std::printf("FAILED %s: a library function the sweep does not know\n",
-                        call.function.c_str());
+                        callText.c_str());
             ++failed;
-            continue;
         }
-        for (const Kind kind : sweep::KindsFor(generation, traits)) {
+        const std::vector<Kind> kinds =
+            traits == 0 ? std::vector<Kind>{} : sweep::KindsFor(generation, traits);
+        for (const Kind kind : kinds) {
             for (const char* when : Timings(made)) {
-                const vtest::ToolResult run =
-                    vtest::RunTool(self, {"--child", name, cleanPath, call.function,
-                                          KeyText(call.key), sweep::KindName(kind), when});
                 ++runs;
                 ++runsByKind[sweep::KindName(kind)];
-                if (run.status != 0) {
-                    ++failed;
-                    const std::string how =
-                        run.status < 0 ? "crashed" : "exit status " + std::to_string(run.status);
-                    std::printf("FAILED %s, %s, %s (%s):\n", CallText(call).c_str(),
-                                sweep::KindName(kind), when, how.c_str());
-                    ShowReport(run);
-                }
+                const std::string what = callText + ", " + sweep::KindName(kind) + ", " + when;
+                failed += Run({"--child", name, cleanPath, made.call.function,
+                               KeyText(made.call.key), sweep::KindName(kind), when},
+                              what)
+                              .status != 0;
             }
         }
     }
@@ -346,8 +279,15 @@ int Sweep(const std::string& name) {
     }
     std::printf("fault sweep (%s): %zu distinct calls, %d runs (%s), %d failed\n", name.c_str(),
                 record.calls.size(), runs, kinds.c_str(), failed);
-    if (Memcheck() && !UnderMemcheck(self, name, cleanPath)) {
-        ++failed;
+    if (vtest::UnderMemcheck()) {
+        const vtest::ToolResult batch = Run(
+            {"valgrind", "--quiet", "--error-exitcode=99", "--leak-check=full",
+             "--errors-for-leak-kinds=definite,indirect", "--show-leak-kinds=definite,indirect",
+             Self(), "--batch", name, cleanPath},
+            "under memcheck", "/usr/bin/env");
+        std::printf("fault sweep (%s) under memcheck, every status-only fault: %s", name.c_str(),
+                    batch.out.c_str());
+        failed += batch.status != 0;
     }
     unlink(cleanPath);
     return failed == 0 && runs > 0 ? 0 : 1;
@@ -365,29 +305,29 @@ int Usage() {
 
 int main(int argc, char** argv) {
     vtest::ExactHeapFigures(argv);  // for the runs' heap comparison
-    if (argc == 2 && GenerationNamed(argv[1])) {
-        return Sweep(argv[1]);
+    const std::vector<std::string> args(argv + 1, argv + argc);
+    if (args.size() == 1 && vtest::GenerationNamed(args[0])) {
+        return Sweep(args[0]);
     }
-    if (argc == 4 && std::strcmp(argv[1], "--batch") == 0 && GenerationNamed(argv[2])) {
-        return Batch(*GenerationNamed(argv[2]), argv[3]);
+    const std::optional<Generation> generation =
+        vtest::GenerationNamed(args.size() > 1 ? args[1] : "");
+    if (args.size() == 3 && args[0] == "--batch" && generation) {
+        return Batch(*generation, args[2]);
     }
-    if ((argc == 4 || argc == 8) && std::strcmp(argv[1], "--child") == 0 &&
-        GenerationNamed(argv[2])) {
+    if ((args.size() == 3 || args.size() == 7) && args[0] == "--child" && generation) {
         std::optional<Fault> fault;
-        if (argc == 8) {
-            const std::optional<Kind> kind = sweep::KindNamed(argv[6]);
-            const std::string when = argv[7];
-            if (!kind || (when != "always" && when != "after-init")) {
+        if (args.size() == 7) {
+            const std::optional<Kind> kind = sweep::KindNamed(args[5]);
+            if (!kind || (args[6] != "always" && args[6] != "after-init")) {
                 return Usage();
             }
-            Call call;
-            call.function = argv[4];
-            if (std::strcmp(argv[5], "-") != 0) {
-                call.key = static_cast<uint32_t>(std::strtoul(argv[5], nullptr, 16));
+            Call call{args[3], std::nullopt};
+            if (args[4] != "-") {
+                call.key = static_cast<uint32_t>(std::stoul(args[4], nullptr, 16));
             }
-            fault = Fault{call, *kind, when == "after-init"};
+            fault = Fault{call, *kind, args[6] == "after-init"};
         }
-        return Child(*GenerationNamed(argv[2]), argv[3], fault);
+        return Child(*generation, args[2], fault);
     }
     return Usage();
 }

@@ -33,11 +33,6 @@ void ExpectNoDecoyLoaded() {
     }
 }
 
-uint32_t Quietly(uint32_t (*entry)()) {
-    vtest::StdoutCapture quiet;
-    return entry();
-}
-
 }  // namespace
 
 // Without a library file at the probed places there is no library, though
@@ -47,7 +42,7 @@ TEST(LibraryPath, NoFileAtTheProbedPlacesMeansNoLibrary) {
     ASSERT_TRUE(path != nullptr && std::string(path).find(VTEST_DECOY_DIR) != std::string::npos)
         << "run with LD_LIBRARY_PATH holding " << VTEST_DECOY_DIR;
     vtest::Redirect();
-    EXPECT_EQ(VORADRV_STATUS_UNSUPPORTED, Quietly(VoraIoTInitialize));
+    EXPECT_EQ(VORADRV_STATUS_UNSUPPORTED, vtest::Quietly(VoraIoTInitialize));
     for (const char* name : kNames) {
         EXPECT_EQ(nullptr, voradrv::LibLoad(name)) << name;
     }
@@ -60,18 +55,18 @@ TEST(LibraryPath, NoFileAtTheProbedPlacesMeansNoLibrary) {
 
 TEST(LibraryPath, TheLibraryComesFromUsrLib) {
     vtest::UseSimulator(Generation::Vora4);
-    ASSERT_EQ(0u, Quietly(VoraIoTInitialize));
+    ASSERT_EQ(0u, vtest::Quietly(VoraIoTInitialize));
     EXPECT_TRUE(Loaded(vtest::SimLibraryPath(Generation::Vora4)));
     ExpectNoDecoyLoaded();
-    Quietly(VoraIoTUninitialize);
+    vtest::Quietly(VoraIoTUninitialize);
 }
 
 TEST(LibraryPath, TheLibraryComesFromUsrLib64) {
     vtest::UseSimulator(Generation::EApi, "", "/usr/lib64");
     // Only the fourth generation's name is probed under /usr/lib64.
     vtest::Redirect({{"/usr/lib64/libVORA-4.00.so", vtest::SimLibraryPath(Generation::Vora4)}});
-    ASSERT_EQ(0u, Quietly(VoraIoTInitialize));
+    ASSERT_EQ(0u, vtest::Quietly(VoraIoTInitialize));
     EXPECT_TRUE(Loaded(vtest::SimLibraryPath(Generation::Vora4)));
     ExpectNoDecoyLoaded();
-    Quietly(VoraIoTUninitialize);
+    vtest::Quietly(VoraIoTUninitialize);
 }

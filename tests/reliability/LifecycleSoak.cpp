@@ -32,32 +32,6 @@ constexpr long kSettled = 100;
 // blocks; growth beyond this is a leak's.
 constexpr size_t kResidentSlackKiB = 256;
 
-// Reads every element of `node` with a value of its own type; returns the
-// number of reads that failed.
-int ReadAll(const json_t* node) {
-    int failed = 0;
-    size_t i;
-    const json_t* element;
-    json_array_foreach(json_object_get(node, "e"), i, element) {
-        const auto id = static_cast<uint32_t>(json_integer_value(json_object_get(element, "id")));
-        const json_t* v = json_object_get(element, "v");
-        const json_type type = json_object_get(element, "sv") != nullptr ? JSON_STRING
-                               : json_is_real(v)                         ? JSON_REAL
-                                                                         : JSON_INTEGER;
-        uint32_t status = 0;
-        vtest::ReadItem(id, type, &status);
-        failed += status != 0 ? 1 : 0;
-    }
-    const char* key;
-    json_t* member;
-    json_object_foreach(const_cast<json_t*>(node), key, member) {
-        if (json_is_object(member)) {
-            failed += ReadAll(member);
-        }
-    }
-    return failed;
-}
-
 struct Figures {
     size_t heap;
     size_t residentKiB;
@@ -94,7 +68,13 @@ int Soak(Generation generation, const char* name, long cycles) {
                 std::printf("cycle %ld: the capability document changed\n", cycle);
                 ++problems;
             }
-            if (const int failed = ReadAll(document.get())) {
+            int failed = 0;
+            for (const vtest::Item& item : vtest::Items(document.get())) {
+                uint32_t status = 0;
+                vtest::ReadItem(item.id, item.type, &status);
+                failed += status != 0;
+            }
+            if (failed != 0) {
                 std::printf("cycle %ld: %d reads failed\n", cycle, failed);
                 ++problems;
             }
@@ -126,14 +106,11 @@ int Soak(Generation generation, const char* name, long cycles) {
 
 int main(int argc, char** argv) {
     vtest::ExactHeapFigures(argv);
-    const std::string name = argc == 3 ? argv[1] : "";
+    const std::optional<Generation> generation = vtest::GenerationNamed(argc == 3 ? argv[1] : "");
     const long cycles = argc == 3 ? std::atol(argv[2]) : 0;
-    if ((name != "4" && name != "3" && name != "eapi") || cycles < 1) {
+    if (!generation || cycles < 1) {
         std::fprintf(stderr, "usage: lifecycle_soak 4|3|eapi CYCLES\n");
         return 2;
     }
-    const Generation generation = name == "4"   ? Generation::Vora4
-                                  : name == "3" ? Generation::Vora3
-                                                : Generation::EApi;
-    return Soak(generation, name.c_str(), cycles);
+    return Soak(*generation, argv[1], cycles);
 }

@@ -15,11 +15,11 @@
 namespace vtest {
 
 struct Step {
-    std::string op;      // "init", "caps", "get", "set" or "uninit"
-    uint32_t id = 0;     // get and set
-    std::string type;    // get and set: "integer", "real" or "string"
-    std::string input;   // set: the value written (compact JSON)
-    std::string output;  // get: the value after the call (compact JSON)
+    std::string op;               // "init", "caps", "get", "set" or "uninit"
+    uint32_t id = 0;              // get and set
+    json_type type = JSON_NULL;   // get and set: JSON_INTEGER, JSON_REAL or JSON_STRING
+    std::string input;            // set: the value written (compact JSON)
+    std::string output;           // get: the value after the call (compact JSON)
     uint32_t status = 0;
     std::string printed;             // standard output during the step
     std::vector<std::string> calls;  // the library calls of the step, as logged
@@ -28,43 +28,11 @@ struct Step {
     std::string key() const;
 };
 
-// The value a get starts with, by type; a failed read must leave it as is.
-json_t* Sentinel(const std::string& type);
-
-// Standard output, diverted to a file while the tap lives and handed out step
-// by step.
-class OutputTap {
-public:
-    OutputTap();
-    ~OutputTap();
-    OutputTap(const OutputTap&) = delete;
-    OutputTap& operator=(const OutputTap&) = delete;
-    // What was printed since the last call.
-    std::string take();
-
-private:
-    int saved_ = -1;
-    int file_ = -1;
-    long offset_ = 0;
-};
-
-class ModulePass {
-public:
-    // `sim` is the simulated library the module reaches; its call log is
-    // started and cleared step by step. `afterCapability`, when given, runs
-    // between the capability step and the first read (to change the board
-    // library's behaviour once the module has discovered the board).
-    ModulePass(SimControl& sim, OutputTap& tap, std::function<void()> afterCapability = {});
-
-    std::vector<Step> run();
-
-private:
-    template <typename Call>
-    Step step(const std::string& op, Call call);
-
-    SimControl& sim_;
-    OutputTap& tap_;
-    std::function<void()> afterCapability_;
-};
+// Runs a pass with `out` capturing what the module prints and `sim`'s call
+// log on. `afterCapability`, when given, runs between the capability step
+// and the first read (to change the board library's behaviour once the
+// module has discovered the board).
+std::vector<Step> RunPass(SimControl& sim, StdoutCapture& out,
+                          const std::function<void()>& afterCapability = {});
 
 }  // namespace vtest

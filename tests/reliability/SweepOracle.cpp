@@ -7,7 +7,7 @@
 #include <tuple>
 
 #include "ModuleMessages.h"
-#include "SetRules.h"
+#include "HostRules.h"
 #include "voradrv.h"
 
 namespace sweep {
@@ -22,10 +22,7 @@ constexpr uint32_t kAbsurd = 0xFFFFFFFF;
 // the JSON form may escape every character.
 constexpr size_t kLongestOutput = 6 * 4096 + 2;
 
-struct Function {
-    const char* name;
-    unsigned traits;
-};
+using Function = std::pair<const char*, unsigned>;
 
 const Function kVora4[] = {
     {"VoraLibInitialize", kInit},
@@ -97,12 +94,6 @@ bool Matches(const Call& call, const Fault& fault) {
     return call.function == fault.call.function && (!fault.call.key || call.key == fault.call.key);
 }
 
-std::string Hex(uint32_t value) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%08X", value);
-    return text;
-}
-
 // The status a step must answer when the failing call ran during it and
 // answered `injected` (the module's rule for a failed library call there).
 uint32_t FailedCallStatus(Generation generation, const vtest::Step& step, unsigned traits,
@@ -127,7 +118,7 @@ uint32_t FailedCallStatus(Generation generation, const vtest::Step& step, unsign
         case VORADRV_CLASS_HWM:
             return generation == Generation::Vora3 ? 0 : VORADRV_STATUS_ERROR;
         case VORADRV_CLASS_NETWORK:
-            return step.type == "string" ? VORADRV_STATUS_READ_ERROR : VORADRV_STATUS_ERROR;
+            return step.type == JSON_STRING ? VORADRV_STATUS_READ_ERROR : VORADRV_STATUS_ERROR;
         default:
             return VORADRV_STATUS_ERROR;
     }
@@ -163,7 +154,7 @@ void CheckStatus(Generation generation, const vtest::Step& step,
             problems.push_back("capability answered 0 after a failed initialise");
         }
     } else if (touched && fault->kind == Kind::AbsurdValue && step.op == "get" &&
-               step.type == "string" && (step.id == 0x10B0003 || step.id == 0x10B000F)) {
+               step.type == JSON_STRING && (step.id == 0x10B0003 || step.id == 0x10B000F)) {
         // One character per word, each 0xFF: a text that is not UTF-8, which
         // a JSON string cannot carry.
         expected = VORADRV_STATUS_ERROR;
@@ -171,8 +162,8 @@ void CheckStatus(Generation generation, const vtest::Step& step,
         expected = cleanStatus->second;
     }
     if (expected && step.status != *expected) {
-        problems.push_back(step.key() + ": status " + Hex(step.status) + ", expected " +
-                           Hex(*expected));
+        problems.push_back(step.key() + ": status " + vtest::Hex(step.status) + ", expected " +
+                           vtest::Hex(*expected));
     }
 
     const std::string block = vtest::BlockName(step.id & VORADRV_ID_CLASS_MASK);
@@ -183,7 +174,7 @@ void CheckStatus(Generation generation, const vtest::Step& step,
             step.printed.size() >= line.size() &&
             step.printed.compare(step.printed.size() - line.size(), line.size(), line) == 0;
         if (printed != (step.status != 0)) {
-            problems.push_back(step.key() + ": status " + Hex(step.status) +
+            problems.push_back(step.key() + ": status " + vtest::Hex(step.status) +
                                " but the entry point printed \"" + step.printed + "\"");
         }
     }
@@ -192,7 +183,7 @@ void CheckStatus(Generation generation, const vtest::Step& step,
     if (step.op == "init" && touched && injected && step.status != 0 &&
         !(generation != Generation::Vora3 && answered == kAlreadyInitialised)) {
         const std::string line = std::string("[VORADrv] ") + LibraryTag(generation) +
-                                 " can not load (" + Hex(answered) + ")\n";
+                                 " can not load (" + vtest::Hex(answered) + ")\n";
         if (step.printed.find(line) == std::string::npos) {
             problems.push_back("init: no \"" + line.substr(0, line.size() - 1) + "\" message");
         }
@@ -202,12 +193,7 @@ void CheckStatus(Generation generation, const vtest::Step& step,
 // Writes of one step, and what a failed read left in the host's value.
 void CheckBoard(Generation generation, const vtest::Step& step,
                 std::vector<std::string>& problems) {
-    std::vector<std::string> writes;
-    for (const std::string& line : step.calls) {
-        if (vtest::IsWriteCall(line)) {
-            writes.push_back(line);
-        }
-    }
+    const std::vector<std::string> writes = vtest::WriteCalls(step.calls);
     if (step.op != "set") {
         if (!writes.empty()) {
             problems.push_back(step.key() + ": wrote to the board: " + writes.front());
@@ -236,8 +222,8 @@ void CheckBoard(Generation generation, const vtest::Step& step,
                                    writes.front());
             }
             if (step.status != rule.status) {
-                problems.push_back(step.key() + ": refused with " + Hex(step.status) +
-                                   ", expected " + Hex(rule.status));
+                problems.push_back(step.key() + ": refused with " + vtest::Hex(step.status) +
+                                   ", expected " + vtest::Hex(rule.status));
             }
             break;
         case vtest::WriteRule::Written:
@@ -246,7 +232,7 @@ void CheckBoard(Generation generation, const vtest::Step& step,
                 problems.push_back(step.key() + ": " + std::to_string(writes.size()) + " writes");
             }
             if (!writes.empty() && !rule.words.empty() &&
-                !vtest::SameWords(vtest::LoggedWords(writes.front()), rule.words)) {
+                !vtest::WroteWords(writes.front(), rule.words)) {
                 problems.push_back(step.key() + ": wrote other words: " + writes.front());
             }
             break;
@@ -269,23 +255,22 @@ Call ParseCall(const std::string& line) {
     return call;
 }
 
-unsigned Traits(Generation generation, const std::string& function) {
-    auto find = [&](const auto& table) -> unsigned {
-        for (const Function& f : table) {
-            if (function == f.name) {
-                return f.traits;
-            }
-        }
-        return 0;
+std::vector<std::pair<std::string, unsigned>> LibraryFunctions(Generation generation) {
+    auto list = [](const auto& table) {
+        return std::vector<std::pair<std::string, unsigned>>(std::begin(table), std::end(table));
     };
-    switch (generation) {
-        case Generation::Vora4:
-            return find(kVora4);
-        case Generation::Vora3:
-            return find(kVora3);
-        default:
-            return find(kEApi);
+    return generation == Generation::Vora4   ? list(kVora4)
+           : generation == Generation::Vora3 ? list(kVora3)
+                                             : list(kEApi);
+}
+
+unsigned Traits(Generation generation, const std::string& function) {
+    for (const auto& [name, traits] : LibraryFunctions(generation)) {
+        if (name == function) {
+            return traits;
+        }
     }
+    return 0;
 }
 
 const char* KindName(Kind kind) { return kKindNames[static_cast<int>(kind)]; }
@@ -338,14 +323,14 @@ bool InjectedStatus(Kind kind, uint32_t& status) {
 std::string FaultJson(const Fault& fault) {
     std::string json = "{\"function\": \"" + fault.call.function + "\"";
     if (fault.call.key) {
-        json += ", \"arg\": \"" + Hex(*fault.call.key) + "\"";
+        json += ", \"arg\": \"" + vtest::Hex(*fault.call.key) + "\"";
     }
     if (uint32_t status = 0; InjectedStatus(fault.kind, status)) {
-        json += ", \"status\": \"" + Hex(status) + "\"";
+        json += ", \"status\": \"" + vtest::Hex(status) + "\"";
     } else if (fault.kind == Kind::AbsurdValue) {
-        json += ", \"value\": \"" + Hex(kAbsurd) + "\"";
+        json += ", \"value\": \"" + vtest::Hex(kAbsurd) + "\"";
     } else if (fault.kind == Kind::AbsurdLength) {
-        json += ", \"length\": \"" + Hex(kAbsurd) + "\"";
+        json += ", \"length\": \"" + vtest::Hex(kAbsurd) + "\"";
     } else {
         json += ", \"unterminated\": true";
     }

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ModulePass.h"
@@ -33,6 +34,8 @@ enum Trait : unsigned {
     kUninit = 8,  // the library's shut-down
     kWrite = 16,  // changes the board
 };
+// Every function of `generation`'s library the module calls, with its traits.
+std::vector<std::pair<std::string, unsigned>> LibraryFunctions(Generation generation);
 // The traits of `function` on `generation`'s library; 0 for a function the
 // sweep does not know (a new one must be added to its table).
 unsigned Traits(Generation generation, const std::string& function);

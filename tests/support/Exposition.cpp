@@ -11,6 +11,8 @@
 #include <set>
 #include <sstream>
 
+#include "RunTool.h"
+
 namespace vtest {
 
 std::string ExpositionProblems(const std::string& text) {
@@ -48,6 +50,16 @@ std::string ExpositionProblems(const std::string& text) {
         problems += "no line end at the end\n";
     }
     return problems;
+}
+
+std::string PromtoolProblems(const std::string& text) {
+    const std::string promtool = FindProgram("promtool");
+    if (promtool.empty()) {
+        return "";
+    }
+    const ToolResult r = RunTool(
+        "/bin/sh", {"-c", "printf '%s' \"$1\" | \"$0\" check metrics", promtool, text});
+    return r.status == 0 && r.out.empty() && r.err.empty() ? "" : r.out + r.err;
 }
 
 std::string FindProgram(const std::string& name) {

@@ -10,6 +10,10 @@ namespace vtest {
 // a malformed line. Empty when there are none.
 std::string ExpositionProblems(const std::string& text);
 
+// What `promtool check metrics` says against `text`: "" when it accepts it,
+// or when promtool (Debian package prometheus) is not installed.
+std::string PromtoolProblems(const std::string& text);
+
 // The path of a program found on PATH (or in /usr/bin, /usr/sbin), or "".
 std::string FindProgram(const std::string& name);
 

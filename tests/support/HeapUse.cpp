@@ -43,6 +43,11 @@ void ExactHeapFigures(char** argv) {
 #endif
 }
 
+bool UnderMemcheck() {
+    const char* memcheck = std::getenv("VTEST_MEMCHECK");
+    return memcheck != nullptr && std::strcmp(memcheck, "1") == 0;
+}
+
 size_t ResidentKiB() {
     std::ifstream statm("/proc/self/statm");
     size_t pages = 0;

@@ -12,6 +12,10 @@ namespace vtest {
 // on the cache.
 size_t HeapInUse();
 
+// True when the test runs under Valgrind's memcheck (VTEST_MEMCHECK=1, see
+// tests/run-test.sh), whose allocator takes the place of the program's.
+bool UnderMemcheck();
+
 // Resident set size of the process, in KiB.
 size_t ResidentKiB();
 

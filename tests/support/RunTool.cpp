@@ -56,25 +56,7 @@ double Now() {
 }  // namespace
 
 ToolResult RunTool(const std::string& program, const std::vector<std::string>& arguments) {
-    // Both outputs go to files, so neither pipe can fill up and block.
-    const int out = TempFile("out");
-    const int err = TempFile("err");
-    std::fflush(nullptr);
-    const pid_t pid = fork();
-    if (pid == 0) {
-        dup2(out, 1);
-        dup2(err, 2);
-        Exec(program, arguments);
-    }
-    ToolResult result;
-    int status = 0;
-    waitpid(pid, &status, 0);
-    SetStatus(result, status);
-    result.out = ReadAll(out);
-    result.err = ReadAll(err);
-    close(out);
-    close(err);
-    return result;
+    return RunningTool(program, arguments).finish(-1);
 }
 
 RunningTool::RunningTool(const std::string& program, const std::vector<std::string>& arguments)
@@ -111,9 +93,9 @@ void RunningTool::kill(int signal) { ::kill(pid_, signal); }
 ToolResult RunningTool::finish(double seconds) {
     ToolResult result;
     int status = 0;
-    pid_t done = 0;
-    for (const double end = Now() + seconds; (done = waitpid(pid_, &status, WNOHANG)) == 0 &&
-                                             Now() < end;) {
+    pid_t done = waitpid(pid_, &status, seconds < 0 ? 0 : WNOHANG);
+    for (const double end = Now() + seconds; done == 0 && Now() < end;
+         done = waitpid(pid_, &status, WNOHANG)) {
         usleep(20000);
     }
     if (done == 0) {

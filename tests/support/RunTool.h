@@ -30,8 +30,8 @@ public:
     bool waitForOutput(const std::string& text, double seconds = 10.0);
     // Sends `signal` to it.
     void kill(int signal);
-    // Waits up to `seconds` for it to end (killing it after that) and
-    // returns what it did.
+    // Waits up to `seconds` (without end when negative) for it to end,
+    // killing it after that, and returns what it did.
     ToolResult finish(double seconds = 10.0);
 
 private:

@@ -8,9 +8,10 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <set>
 #include <sstream>
-#include <vector>
 
+#include "voradrv.h"
 #include "vorasim.h"
 
 namespace vtest {
@@ -34,7 +35,23 @@ std::vector<std::string>& TempFiles() {
     return files;
 }
 
+bool UpdatingGolden() {
+    const char* update = std::getenv("VTEST_UPDATE_GOLDEN");
+    return update != nullptr && std::strcmp(update, "1") == 0;
+}
+
+std::string GoldenPath(const std::string& name) {
+    return std::string(VTEST_SOURCE_DIR) + "/tests/data/golden/" + name;
+}
+
 }  // namespace
+
+std::optional<Generation> GenerationNamed(const std::string& name) {
+    if (name == "4") return Generation::Vora4;
+    if (name == "3") return Generation::Vora3;
+    if (name == "eapi") return Generation::EApi;
+    return std::nullopt;
+}
 
 const char* LibraryName(Generation generation) {
     return kLibraries[static_cast<int>(generation)];
@@ -73,27 +90,31 @@ void UseSimulator(Generation generation, const std::string& profile, const std::
 std::string LargestBoard(Generation generation) {
     static const char* const kFiles[] = {"vora4-largest.json", "vora3-largest.json",
                                          "eapi-largest.json"};
-    std::ifstream in(std::string(VTEST_SOURCE_DIR) + "/sim/profiles/" +
-                     kFiles[static_cast<int>(generation)]);
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    return FileText(std::string(VTEST_SOURCE_DIR) + "/sim/profiles/" +
+                    kFiles[static_cast<int>(generation)]);
 }
 
 void HideSymbols(const std::string& names) {
     ASSERT_EQ(0, ::setenv("VORA_HIDE_SYMBOLS", names.c_str(), 1));
 }
 
-std::string WriteTempFile(const std::string& json) {
+std::string WriteTempFile(const std::string& text) {
     char path[] = "/tmp/voradrv-test-XXXXXX";
     const int fd = ::mkstemp(path);
     EXPECT_GE(fd, 0);
     if (fd >= 0) {
-        EXPECT_EQ(static_cast<ssize_t>(json.size()), ::write(fd, json.data(), json.size()));
+        EXPECT_EQ(static_cast<ssize_t>(text.size()), ::write(fd, text.data(), text.size()));
         ::close(fd);
         TempFiles().push_back(path);
     }
     return path;
+}
+
+std::string FileText(const std::string& path) {
+    std::ifstream in(path);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
 }
 
 SimControl::SimControl(Generation generation)
@@ -112,8 +133,8 @@ void* SimControl::symbol(const char* name) const {
 }
 
 std::string SimControl::loadProfileError(const std::string& json) {
-    auto load = reinterpret_cast<decltype(&vorasim_load_profile)>(symbol("vorasim_load_profile"));
-    auto error = reinterpret_cast<decltype(&vorasim_last_error)>(symbol("vorasim_last_error"));
+    auto load = function<decltype(vorasim_load_profile)>("vorasim_load_profile");
+    auto error = function<decltype(vorasim_last_error)>("vorasim_last_error");
     if (load == nullptr || error == nullptr) {
         return "no simulator";
     }
@@ -121,56 +142,53 @@ std::string SimControl::loadProfileError(const std::string& json) {
 }
 
 void SimControl::loadProfile(const std::string& json) {
-    const std::string error = loadProfileError(json);
-    EXPECT_EQ("", error) << "profile refused";
+    EXPECT_EQ("", loadProfileError(json)) << "profile refused";
 }
 
 void SimControl::addFault(const std::string& json) {
-    auto add = reinterpret_cast<decltype(&vorasim_add_fault)>(symbol("vorasim_add_fault"));
-    auto error = reinterpret_cast<decltype(&vorasim_last_error)>(symbol("vorasim_last_error"));
+    auto add = function<decltype(vorasim_add_fault)>("vorasim_add_fault");
+    auto error = function<decltype(vorasim_last_error)>("vorasim_last_error");
     if (add != nullptr && add(json.c_str()) != 0) {
         ADD_FAILURE() << "fault refused: " << error();
     }
 }
 
 void SimControl::clearFaults() {
-    auto clear = reinterpret_cast<decltype(&vorasim_clear_faults)>(symbol("vorasim_clear_faults"));
-    if (clear != nullptr) {
+    if (auto clear = function<decltype(vorasim_clear_faults)>("vorasim_clear_faults")) {
         clear();
     }
 }
 
 void SimControl::startLog() {
-    auto enable = reinterpret_cast<decltype(&vorasim_log_enable)>(symbol("vorasim_log_enable"));
-    if (enable != nullptr) {
+    if (auto enable = function<decltype(vorasim_log_enable)>("vorasim_log_enable")) {
         enable(1);
     }
 }
 
 std::string SimControl::log() {
-    auto text = reinterpret_cast<decltype(&vorasim_call_log)>(symbol("vorasim_call_log"));
+    auto text = function<decltype(vorasim_call_log)>("vorasim_call_log");
     return text == nullptr ? "" : text();
 }
 
 void SimControl::clearLog() {
-    auto clear = reinterpret_cast<decltype(&vorasim_clear_log)>(symbol("vorasim_clear_log"));
-    if (clear != nullptr) {
+    if (auto clear = function<decltype(vorasim_clear_log)>("vorasim_clear_log")) {
         clear();
     }
 }
 
 int SimControl::count(const std::string& prefix) {
-    const std::string text = log();
     int n = 0;
-    size_t start = 0;
-    while (start < text.size()) {
-        const size_t end = text.find('\n', start);
-        if (text.compare(start, prefix.size(), prefix) == 0) {
-            ++n;
-        }
-        start = end == std::string::npos ? text.size() : end + 1;
+    for (const std::string& line : Lines(log())) {
+        n += line.compare(0, prefix.size(), prefix) == 0 ? 1 : 0;
     }
     return n;
+}
+
+SimControl Initialised(Generation generation, const std::string& profile) {
+    UseSimulator(generation, profile);
+    SimControl sim(generation);
+    EXPECT_EQ(0u, VoraIoTInitialize()) << "initialise";
+    return sim;
 }
 
 StdoutCapture::StdoutCapture() {
@@ -184,29 +202,44 @@ StdoutCapture::StdoutCapture() {
 
 StdoutCapture::~StdoutCapture() { finish(); }
 
+std::string StdoutCapture::take() {
+    std::fflush(stdout);
+    std::string text;
+    char chunk[4096];
+    ssize_t n;
+    while (file_ >= 0 && (n = ::pread(file_, chunk, sizeof chunk, offset_)) > 0) {
+        text.append(chunk, static_cast<size_t>(n));
+        offset_ += n;
+    }
+    return text;
+}
+
 std::string StdoutCapture::finish() {
     if (saved_ < 0) {
         return "";
     }
-    std::fflush(stdout);
+    std::string text = take();
     ::dup2(saved_, 1);
     ::close(saved_);
-    saved_ = -1;
-    std::string text;
-    char chunk[4096];
-    ::lseek(file_, 0, SEEK_SET);
-    ssize_t n;
-    while ((n = ::read(file_, chunk, sizeof chunk)) > 0) {
-        text.append(chunk, static_cast<size_t>(n));
-    }
     ::close(file_);
-    file_ = -1;
+    saved_ = file_ = -1;
     return text;
 }
 
-}  // namespace vtest
+std::vector<std::string> Lines(const std::string& text) {
+    std::vector<std::string> lines;
+    std::istringstream in(text);
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
 
-namespace vtest {
+std::string Hex(uint32_t value) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08X", value);
+    return text;
+}
 
 JsonPtr Parse(const std::string& text) {
     json_error_t error;
@@ -223,9 +256,8 @@ std::string Dump(const json_t* json) {
 }
 
 void ExpectGolden(const json_t* actual, const std::string& name) {
-    const std::string path = std::string(VTEST_SOURCE_DIR) + "/tests/data/golden/" + name;
-    const char* update = std::getenv("VTEST_UPDATE_GOLDEN");
-    if (update != nullptr && std::strcmp(update, "1") == 0) {
+    const std::string path = GoldenPath(name);
+    if (UpdatingGolden()) {
         EXPECT_EQ(0, json_dump_file(actual, path.c_str(), JSON_INDENT(2) | JSON_ENSURE_ASCII));
         return;
     }
@@ -237,11 +269,15 @@ void ExpectGolden(const json_t* actual, const std::string& name) {
         << Dump(actual);
 }
 
-}  // namespace vtest
-
-#include "voradrv.h"
-
-namespace vtest {
+void ExpectGoldenText(const std::string& actual, const std::string& name) {
+    const std::string path = GoldenPath(name);
+    if (UpdatingGolden()) {
+        std::ofstream(path) << actual;
+        return;
+    }
+    EXPECT_EQ(FileText(path), actual)
+        << "differs from " << path << " (VTEST_UPDATE_GOLDEN=1 rewrites it)";
+}
 
 JsonPtr ModuleCapability() {
     JsonPtr document = Own(json_object());
@@ -249,38 +285,83 @@ JsonPtr ModuleCapability() {
     return document;
 }
 
-const json_t* FindElement(const json_t* block, uint32_t id) {
-    const json_t* elements = json_object_get(block, "e");
+JsonPtr CapabilityOf(const char* block) {
+    return Own(json_incref(json_object_get(ModuleCapability().get(), block)));
+}
+
+void ForEachElement(const json_t* node, const std::function<void(const json_t*)>& visit) {
     size_t i;
     const json_t* element;
-    json_array_foreach(elements, i, element) {
-        if (static_cast<uint32_t>(json_integer_value(json_object_get(element, "id"))) == id) {
-            return element;
-        }
-    }
+    json_array_foreach(json_object_get(node, "e"), i, element) { visit(element); }
     const char* key;
     json_t* member;
-    json_object_foreach(const_cast<json_t*>(block), key, member) {
+    json_object_foreach(const_cast<json_t*>(node), key, member) {
         if (json_is_object(member)) {
-            if (const json_t* found = FindElement(member, id)) {
-                return found;
-            }
+            ForEachElement(member, visit);
         }
     }
-    return nullptr;
+}
+
+const json_t* FindElement(const json_t* node, uint32_t id) {
+    const json_t* found = nullptr;
+    ForEachElement(node, [&](const json_t* element) {
+        if (found == nullptr &&
+            static_cast<uint32_t>(json_integer_value(json_object_get(element, "id"))) == id) {
+            found = element;
+        }
+    });
+    return found;
+}
+
+std::vector<Item> Items(const json_t* node) {
+    std::vector<Item> items;
+    std::set<uint32_t> seen;
+    ForEachElement(node, [&](const json_t* element) {
+        const auto id = static_cast<uint32_t>(json_integer_value(json_object_get(element, "id")));
+        if (!seen.insert(id).second) {
+            return;  // a slot several sensors share is one item
+        }
+        const json_t* real = json_object_get(element, "v");
+        const json_type type = json_object_get(element, "sv") != nullptr ? JSON_STRING
+                               : json_is_real(real)                      ? JSON_REAL
+                                                                         : JSON_INTEGER;
+        const char* access = json_string_value(json_object_get(element, "asm"));
+        items.push_back({id, type, access != nullptr && std::strcmp(access, "rw") == 0});
+    });
+    return items;
+}
+
+json_t* Sentinel(json_type type) {
+    return type == JSON_REAL     ? json_real(-12345.0)
+           : type == JSON_STRING ? json_string("?")
+                                 : json_integer(-12345);
 }
 
 JsonPtr ReadItem(uint32_t id, json_type type, uint32_t* status) {
-    JsonPtr value = Own(type == JSON_REAL     ? json_real(-12345.0)
-                        : type == JSON_STRING ? json_string("")
-                                              : json_integer(-12345));
+    JsonPtr value = Own(Sentinel(type));
     const uint32_t result = VoraIoTGetMDValue(id, value.get());
     if (status != nullptr) {
         *status = result;
     } else {
-        EXPECT_EQ(0u, result) << "reading 0x" << std::hex << id;
+        EXPECT_EQ(0u, result) << "reading " << Hex(id);
     }
     return value;
+}
+
+std::string ReadText(uint32_t id) {
+    const JsonPtr value = ReadItem(id, JSON_STRING);
+    return json_is_string(value.get()) ? json_string_value(value.get()) : "";
+}
+
+double ReadReal(uint32_t id) { return json_real_value(ReadItem(id, JSON_REAL).get()); }
+
+json_int_t ReadInteger(uint32_t id) {
+    return json_integer_value(ReadItem(id, JSON_INTEGER).get());
+}
+
+uint32_t Write(uint32_t id, json_t* value) {
+    JsonPtr owned = Own(value);
+    return VoraIoTSetMDValue(id, owned.get());
 }
 
 }  // namespace vtest

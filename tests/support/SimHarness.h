@@ -1,20 +1,28 @@
 // Test harness: reaching the simulated board libraries through the path
-// redirection, driving the simulator's control interface, and capturing
-// what the module prints.
+// redirection, driving the simulator's control interface, capturing what the
+// module prints, and reading the module's capability document and items.
 //
 // Every test runs in a process of its own (ctest runs one test per process),
 // so the bindings' process-wide state starts fresh in each.
 #pragma once
 
+#include <jansson.h>
+
 #include <cstdint>
+#include <functional>
 #include <initializer_list>
+#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace vtest {
 
 enum class Generation { Vora4, Vora3, EApi };
 
+// The generation named "4", "3" or "eapi", as the test programs take it.
+std::optional<Generation> GenerationNamed(const std::string& name);
 // File of the simulated library of a generation in the build tree.
 std::string SimLibraryPath(Generation generation);
 // The library's own name, as the module probes it ("libVORA-4.00").
@@ -26,8 +34,8 @@ const char* LibraryName(Generation generation);
 void Redirect(std::initializer_list<std::pair<std::string, std::string>> present = {});
 
 // Puts the simulated library of `generation` at `dir` (/usr/lib or
-// /usr/lib64) and makes the other probe paths absent. A non-empty `profile`
-// (JSON text) becomes the board.
+// /usr/lib64) and makes the other probe paths absent; sensors stand still. A
+// non-empty `profile` (JSON text) becomes the board.
 void UseSimulator(Generation generation, const std::string& profile = "",
                   const std::string& dir = "/usr/lib");
 
@@ -38,8 +46,11 @@ std::string LargestBoard(Generation generation);
 // Hides library functions from the module's symbol lookups.
 void HideSymbols(const std::string& commaSeparatedNames);
 
-// Writes `json` to a fresh file (removed at process exit); returns its path.
-std::string WriteTempFile(const std::string& json);
+// Writes `text` to a fresh file (removed at process exit); returns its path.
+std::string WriteTempFile(const std::string& text);
+
+// The text of a file ("" when it cannot be read).
+std::string FileText(const std::string& path);
 
 // The simulator's control interface of one simulated library. Loading it
 // loads the library itself, at the path the module will reach it through.
@@ -47,9 +58,9 @@ class SimControl {
 public:
     explicit SimControl(Generation generation);
 
-    void loadProfile(const std::string& json);     // fails the test on error
+    void loadProfile(const std::string& json);              // fails the test on error
     std::string loadProfileError(const std::string& json);  // "" if it loaded
-    void addFault(const std::string& json);         // fails the test on error
+    void addFault(const std::string& json);                 // fails the test on error
     void clearFaults();
     void startLog();
     std::string log();
@@ -57,12 +68,20 @@ public:
     // Number of log lines that start with `prefix`.
     int count(const std::string& prefix);
 
-    void* handle() const { return handle_; }
+    // A function of the simulated library, called directly: Fn is its type.
+    template <typename Fn>
+    Fn* function(const char* name) const {
+        return reinterpret_cast<Fn*>(symbol(name));
+    }
 
 private:
     void* symbol(const char* name) const;
     void* handle_;
 };
+
+// UseSimulator(generation, profile), then initialises the module, which must
+// succeed; returns the control interface of the simulated library.
+SimControl Initialised(Generation generation, const std::string& profile = "");
 
 // Captures everything written to standard output (file descriptor 1) while
 // it lives.
@@ -72,21 +91,28 @@ public:
     ~StdoutCapture();
     StdoutCapture(const StdoutCapture&) = delete;
     StdoutCapture& operator=(const StdoutCapture&) = delete;
-    // Stops capturing and returns the text.
+    // What was printed since the last take(), capturing on.
+    std::string take();
+    // Stops capturing and returns what take() had not handed out.
     std::string finish();
 
 private:
     int saved_ = -1;
     int file_ = -1;
+    long offset_ = 0;
 };
 
-}  // namespace vtest
+// Calls `call` (an entry point, say) with what it prints dropped.
+template <typename Call>
+auto Quietly(Call call) {
+    StdoutCapture quiet;
+    return call();
+}
 
-#include <jansson.h>
-
-#include <memory>
-
-namespace vtest {
+// The lines of a text, without their line ends.
+std::vector<std::string> Lines(const std::string& text);
+// "0x0000ABCD".
+std::string Hex(uint32_t value);
 
 using JsonPtr = std::unique_ptr<json_t, decltype(&json_decref)>;
 inline JsonPtr Own(json_t* json) { return JsonPtr(json, &json_decref); }
@@ -95,21 +121,41 @@ JsonPtr Parse(const std::string& text);
 // Compact JSON text of a value, keys in document order.
 std::string Dump(const json_t* json);
 
-// Compares `actual` with the golden JSON file tests/data/golden/<name>. With
-// VTEST_UPDATE_GOLDEN=1 in the environment the file is written instead.
+// Compares `actual` with the golden file tests/data/golden/<name>, as JSON or
+// as text. With VTEST_UPDATE_GOLDEN=1 in the environment the file is written
+// instead.
 void ExpectGolden(const json_t* actual, const std::string& name);
-
-}  // namespace vtest
-
-namespace vtest {
+void ExpectGoldenText(const std::string& actual, const std::string& name);
 
 // The module's capability document (through VoraIoTGetMDCapability).
 JsonPtr ModuleCapability();
-// The element with item id `id` anywhere in `block` (a block's member of the
-// document), or null.
-const json_t* FindElement(const json_t* block, uint32_t id);
-// Reads item `id` through the module into a fresh JSON value of `type`;
-// `status` receives the module's answer.
+// The member `block` of the module's document ("GPIO"), or null.
+JsonPtr CapabilityOf(const char* block);
+// Calls `visit` for every element (member of an "e" array) of `node` and the
+// objects below it, depth first in document order.
+void ForEachElement(const json_t* node, const std::function<void(const json_t*)>& visit);
+// The element with item id `id` anywhere in `node`, or null.
+const json_t* FindElement(const json_t* node, uint32_t id);
+
+// A published item: its id, the JSON type of its value, and "asm" "rw".
+struct Item {
+    uint32_t id;
+    json_type type;  // JSON_REAL, JSON_STRING or JSON_INTEGER
+    bool writable;
+};
+// The items of `node`, each id once, in document order.
+std::vector<Item> Items(const json_t* node);
+
+// A fresh value of `type` that a successful read overwrites and a failed one
+// must leave as it is.
+json_t* Sentinel(json_type type);
+// Reads item `id` through the module into Sentinel(type); `status` receives
+// the module's answer (without it, anything but success fails the test).
 JsonPtr ReadItem(uint32_t id, json_type type, uint32_t* status = nullptr);
+std::string ReadText(uint32_t id);
+double ReadReal(uint32_t id);
+json_int_t ReadInteger(uint32_t id);
+// Writes `value` (a new reference, released here) to item `id`.
+uint32_t Write(uint32_t id, json_t* value);
 
 }  // namespace vtest

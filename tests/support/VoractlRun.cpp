@@ -3,6 +3,8 @@
 #include <stdlib.h>
 #include <unistd.h>
 
+#include <utility>
+
 namespace vtest {
 
 std::string VoractlPath() { return VTEST_VORACTL; }
@@ -24,17 +26,14 @@ ToolResult Voractl(const std::vector<std::string>& arguments) {
     return RunTool(VTEST_VORACTL, arguments);
 }
 
-std::vector<std::string> Lines(const std::string& text) {
-    std::vector<std::string> lines;
-    size_t start = 0;
-    for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
-        lines.push_back(text.substr(start, end - start));
+std::vector<std::string> StandIn(const std::string& failRead, const std::string& log) {
+    setenv("VTEST_REAL_MODULE", VTEST_MODULE, 1);
+    for (const auto& [name, value] : {std::pair{"VTEST_FAIL_READ", failRead},
+                                      std::pair{"VTEST_MODULE_LOG", log}}) {
+        value.empty() ? unsetenv(name) : setenv(name, value.c_str(), 1);
     }
-    return lines;
-}
-
-bool GenerationServed(const std::string& generation) {
-    return Voractl({"--sim", "--sim-generation", generation, "list"}).status == 0;
+    unlink(log.c_str());
+    return {"--module", VTEST_STANDIN_MODULE};
 }
 
 }  // namespace vtest

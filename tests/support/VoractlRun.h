@@ -19,11 +19,11 @@ void UseOwnSimulatedBoard();
 // Runs voractl with UseOwnSimulatedBoard().
 ToolResult Voractl(const std::vector<std::string>& arguments);
 
-// The lines of a text, without their line ends.
-std::vector<std::string> Lines(const std::string& text);
-
-// True when `voractl --sim --sim-generation GEN list` comes up, that is when
-// the module serves that generation's board library.
-bool GenerationServed(const std::string& generation);
+// The arguments (to go first) that make voractl load the stand-in module
+// (support/StandInModule.c) in front of the built one. A non-empty
+// `failRead` (an id such as "0x1020201") makes that item's reads fail; a
+// non-empty `log` names a file, emptied here, that receives a line for each
+// initialise and uninitialise.
+std::vector<std::string> StandIn(const std::string& failRead, const std::string& log = "");
 
 }  // namespace vtest
