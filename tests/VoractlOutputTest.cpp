@@ -14,11 +14,10 @@ namespace {
 
 bool Coloured(const std::string& text) { return text.find("\033[") != std::string::npos; }
 
-// Makes reads of `id` fail (through the stand-in module) for the runs after.
+// `args` with reads of `id` failing (through the stand-in module).
 std::vector<std::string> FailingRead(const char* id, std::vector<std::string> args) {
-    setenv("VTEST_REAL_MODULE", VTEST_MODULE, 1);
-    setenv("VTEST_FAIL_READ", id, 1);
-    args.insert(args.begin(), {"--module", VTEST_STANDIN_MODULE});
+    const std::vector<std::string> standIn = vtest::StandIn(id);
+    args.insert(args.begin(), standIn.begin(), standIn.end());
     return args;
 }
 
@@ -57,7 +56,17 @@ TEST(VoractlOutput, ColourOnlyOnATerminalOrWhenAskedAndNeverWithNoColor) {
 }
 
 TEST(VoractlOutput, JsonOnEveryCommand) {
-    ToolResult r = Voractl({"--sim", "caps", "--json"});
+    // A read that fails: the record says why; the module's own diagnostics
+    // and the tool's message go to standard error.
+    ToolResult r = Voractl({"--sim", "get", "--json", "--type", "int", "0x1010777"});
+    EXPECT_EQ(1, r.status);
+    auto json = vtest::Parse(r.out);
+    EXPECT_TRUE(json_is_null(json_object_get(json.get(), "value")));
+    EXPECT_STREQ("not found (0xFFFFFBFF)", json_string_value(json_object_get(json.get(), "error")));
+    EXPECT_NE(std::string::npos, r.err.find("VORADrv Info Get Value: id not found"));
+    EXPECT_NE(std::string::npos, r.err.find("voractl: cannot read 0x1010777"));
+
+    r = Voractl({"--sim", "caps", "--json"});
     ASSERT_EQ(0, r.status) << r.err;
     EXPECT_TRUE(json_is_object(json_object_get(vtest::Parse(r.out).get(), "GPIO")));
 

@@ -5,9 +5,7 @@
 #include <stdlib.h>
 #include <unistd.h>
 
-#include <fstream>
 #include <regex>
-#include <sstream>
 
 #include "RunTool.h"
 #include "SimHarness.h"
@@ -24,24 +22,8 @@ const std::regex kTimestamp(R"(^\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{3}[+-]\d\d:\d
 // Arguments that load the stand-in module, which logs initialise and
 // uninitialise calls to the returned file.
 std::vector<std::string> StandIn(std::string& log) {
-    static const std::string path = "/tmp/vtest-module-log-" + std::to_string(getpid());
-    static const bool once = [] {
-        std::atexit([] { unlink(path.c_str()); });
-        return true;
-    }();
-    (void)once;
-    log = path;
-    unlink(log.c_str());
-    setenv("VTEST_REAL_MODULE", VTEST_MODULE, 1);
-    setenv("VTEST_MODULE_LOG", log.c_str(), 1);
-    return {"--module", VTEST_STANDIN_MODULE};
-}
-
-std::string FileText(const std::string& path) {
-    std::ifstream file(path);
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
+    log = vtest::WriteTempFile("");  // removed at exit
+    return vtest::StandIn("", log);
 }
 
 }  // namespace
@@ -157,7 +139,7 @@ TEST(VoractlWatch, EndsCleanlyOnSigintAndSigterm) {
         const ToolResult r = watch.finish();
         EXPECT_EQ(0, r.signal) << strsignal(signal);
         EXPECT_EQ(0, r.status) << strsignal(signal) << ": " << r.err;
-        EXPECT_EQ("VoraIoTInitialize 0x0\nVoraIoTUninitialize 0x0\n", FileText(log))
+        EXPECT_EQ("VoraIoTInitialize 0x0\nVoraIoTUninitialize 0x0\n", vtest::FileText(log))
             << strsignal(signal);
         // The last sample line is whole.
         EXPECT_EQ('\n', r.out.back());
@@ -174,7 +156,7 @@ TEST(VoractlWatch, EndsCleanlyWhenTheReaderGoesAway) {
     EXPECT_EQ(0, r.status) << r.err;
     EXPECT_EQ(2u, Lines(r.out).size());
     EXPECT_EQ("", r.err);
-    EXPECT_EQ("VoraIoTInitialize 0x0\nVoraIoTUninitialize 0x0\n", FileText(log));
+    EXPECT_EQ("VoraIoTInitialize 0x0\nVoraIoTUninitialize 0x0\n", vtest::FileText(log));
 }
 
 TEST(VoractlWatch, RedrawsInPlaceOnATerminal) {
