@@ -216,3 +216,19 @@ TEST(Voractl, RunSimulatedPutsTheSimulatorUnderAnyCommand) {
     r = RunTool(script, {"--generation", "7", "--", VoractlPath(), "list"});
     EXPECT_EQ(2, r.status);
 }
+
+TEST(Voractl, KeepsTheSimulatedBoardInTheUsersRuntimeDirectory) {
+    char dir[] = "/tmp/vtest-runtime-XXXXXX";
+    ASSERT_NE(nullptr, mkdtemp(dir));
+    unsetenv("VORA_SIM_STATE");
+    setenv("XDG_RUNTIME_DIR", dir, 1);
+    const std::string path = "Backlight/LVDS/Brightness";
+    ToolResult r = RunTool(VoractlPath(), {"--sim", "set", path, "33"});
+    EXPECT_EQ(0, r.status) << r.err;
+    EXPECT_EQ("33\n", RunTool(VoractlPath(), {"--sim", "get", path}).out);
+    const ToolResult kept = RunTool("/bin/sh", {"-c", std::string("ls ") + dir});
+    EXPECT_EQ(0u, kept.out.find("voractl-sim-4-")) << kept.out;
+    EXPECT_EQ("80\n", RunTool(VoractlPath(), {"--sim", "--sim-reset", "get", path}).out);
+    RunTool("/bin/rm", {"-rf", dir});
+    unsetenv("XDG_RUNTIME_DIR");
+}
