@@ -65,10 +65,10 @@ int List(Context& context) {
     return 0;
 }
 
-int Get(Context& context, const std::vector<std::string>& specs, const char* type) {
+int Get(Context& context, const std::vector<std::string>& selectors, const char* type) {
     std::vector<Item> wanted;
-    for (const std::string& spec : specs) {
-        wanted.push_back(FindItem(context.items, spec, type));
+    for (const std::string& selector : selectors) {
+        wanted.push_back(FindItem(context.items, selector, type));
     }
     const std::vector<Reading> readings = ReadAll(context.module, wanted);
     if (context.json) {
@@ -88,8 +88,8 @@ int Get(Context& context, const std::vector<std::string>& specs, const char* typ
     return ReportFailures(readings);
 }
 
-int Set(Context& context, const std::string& spec, const std::string& text, const char* type) {
-    const Item item = FindItem(context.items, spec, type);
+int Set(Context& context, const std::string& selector, const std::string& text, const char* type) {
+    const Item item = FindItem(context.items, selector, type);
     JsonPtr value = ParseValue(item, text);
     const uint32_t status = context.module.set(item.id, value.get());
     if (status != VORADRV_STATUS_SUCCESS) {

@@ -25,7 +25,7 @@ struct Context {
 // Each returns the exit status: 0, or 1 when the module or board failed.
 int Caps(Context& context);
 int List(Context& context);
-int Get(Context& context, const std::vector<std::string>& specs, const char* type);
-int Set(Context& context, const std::string& spec, const std::string& value, const char* type);
+int Get(Context& context, const std::vector<std::string>& selectors, const char* type);
+int Set(Context& context, const std::string& selector, const std::string& value, const char* type);
 
 }  // namespace voractl

@@ -85,12 +85,12 @@ json_type ParseType(const std::string& name) {
     throw ToolError("--type must be int, real or string, not \"" + name + "\"", true);
 }
 
-Item FindItem(const std::vector<Item>& items, const std::string& spec, const char* type) {
-    if (spec.rfind("0x", 0) == 0 || spec.rfind("0X", 0) == 0) {
+Item FindItem(const std::vector<Item>& items, const std::string& selector, const char* type) {
+    if (selector.rfind("0x", 0) == 0 || selector.rfind("0X", 0) == 0) {
         char* end = nullptr;
-        const unsigned long id = std::strtoul(spec.c_str(), &end, 16);
-        if (spec.size() == 2 || *end != '\0' || id > 0xFFFFFFFFul) {
-            throw ToolError("\"" + spec + "\" is not an item id", true);
+        const unsigned long id = std::strtoul(selector.c_str(), &end, 16);
+        if (selector.size() == 2 || *end != '\0' || id > 0xFFFFFFFFul) {
+            throw ToolError("\"" + selector + "\" is not an item id", true);
         }
         for (const Item& item : items) {
             if (item.id == id) {
@@ -98,29 +98,29 @@ Item FindItem(const std::vector<Item>& items, const std::string& spec, const cha
             }
         }
         if (type == nullptr) {
-            throw ToolError(spec + " is not an item of the capability document "
+            throw ToolError(selector + " is not an item of the capability document "
                             "(give --type to use it anyway)", true);
         }
         Item item;
         item.id = static_cast<uint32_t>(id);
-        item.name = spec;
+        item.name = selector;
         item.type = ParseType(type);
         return item;
     }
     const Item* found = nullptr;
     std::string ids;
     for (const Item& item : items) {
-        if (item.path() == spec) {
+        if (item.path() == selector) {
             ids += (ids.empty() ? "" : ", ") + IdText(item.id);
             if (found != nullptr) {
-                throw ToolError("\"" + spec + "\" names more than one item (" + ids +
+                throw ToolError("\"" + selector + "\" names more than one item (" + ids +
                                 "...); use an id", true);
             }
             found = &item;
         }
     }
     if (found == nullptr) {
-        throw ToolError("no item \"" + spec + "\" (see voractl list)", true);
+        throw ToolError("no item \"" + selector + "\" (see voractl list)", true);
     }
     Item item = *found;
     if (type != nullptr) {
@@ -130,34 +130,34 @@ Item FindItem(const std::vector<Item>& items, const std::string& spec, const cha
 }
 
 std::vector<Item> SelectItems(const std::vector<Item>& items,
-                              const std::vector<std::string>& specs) {
+                              const std::vector<std::string>& selectors) {
     std::vector<bool> chosen(items.size(), false);
-    for (std::string spec : specs) {
-        const bool id = spec.rfind("0x", 0) == 0 || spec.rfind("0X", 0) == 0;
+    for (std::string selector : selectors) {
+        const bool id = selector.rfind("0x", 0) == 0 || selector.rfind("0X", 0) == 0;
         bool any = false;
         for (size_t i = 0; i < items.size() && !id; ++i) {
-            if (items[i].path() == spec) {
+            if (items[i].path() == selector) {
                 chosen[i] = any = true;
             }
         }
         if (id || any) {
             // An id, or a path that more than one item has: FindItem says why.
-            const Item found = FindItem(items, spec, nullptr);
+            const Item found = FindItem(items, selector, nullptr);
             for (size_t i = 0; i < items.size(); ++i) {
                 chosen[i] = chosen[i] || (items[i].id == found.id && items[i].path() == found.path());
             }
             continue;
         }
-        while (!spec.empty() && spec.back() == '/') {
-            spec.pop_back();
+        while (!selector.empty() && selector.back() == '/') {
+            selector.pop_back();
         }
         for (size_t i = 0; i < items.size(); ++i) {
-            if (!spec.empty() && items[i].path().rfind(spec + "/", 0) == 0) {
+            if (!selector.empty() && items[i].path().rfind(selector + "/", 0) == 0) {
                 chosen[i] = any = true;
             }
         }
         if (!any) {
-            throw ToolError("no item or group \"" + spec + "\" (see voractl list)", true);
+            throw ToolError("no item or group \"" + selector + "\" (see voractl list)", true);
         }
     }
     std::vector<Item> selected;

@@ -26,17 +26,17 @@ struct Item {
 // Every element of every group of every block, in document order.
 std::vector<Item> CollectItems(const json_t* document);
 
-// The item `spec` names: a hexadecimal id ("0x1020201") or an exact path.
-// An unknown or ambiguous spec throws a usage ToolError, except an id the
+// The item `selector` names: a hexadecimal id ("0x1020201") or an exact path.
+// An unknown or ambiguous selector throws a usage ToolError, except an id the
 // document does not publish when `type` is given: that id is read as is.
-Item FindItem(const std::vector<Item>& items, const std::string& spec, const char* type);
+Item FindItem(const std::vector<Item>& items, const std::string& selector, const char* type);
 
-// The items `specs` name, in document order and each once: an id or exact
-// path names one item, else a spec is a block or group ("Hardware Monitor",
-// "Hardware Monitor/Voltage") and names every item under it. A spec that
+// The items `selectors` name, in document order and each once: an id or exact
+// path names one item, else a selector is a block or group ("Hardware Monitor",
+// "Hardware Monitor/Voltage") and names every item under it. A selector that
 // names nothing throws a usage ToolError.
 std::vector<Item> SelectItems(const std::vector<Item>& items,
-                              const std::vector<std::string>& specs);
+                              const std::vector<std::string>& selectors);
 
 // The JSON type named by --type ("int", "real", "string"); throws otherwise.
 json_type ParseType(const std::string& name);

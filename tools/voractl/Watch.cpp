@@ -246,10 +246,11 @@ timespec Add(timespec at, double seconds) {
 
 }  // namespace
 
-int Watch(Context& context, const std::vector<std::string>& specs, double interval, long count) {
+int Watch(Context& context, const std::vector<std::string>& selectors, double interval,
+          long count) {
     std::vector<Item> items;
-    if (!specs.empty()) {
-        items = SelectItems(context.items, specs);
+    if (!selectors.empty()) {
+        items = SelectItems(context.items, selectors);
     } else {
         for (const Item& item : context.items) {
             if (item.block == "Hardware Monitor") {
