@@ -15,6 +15,7 @@ namespace voractl {
 // with --json). Values that changed since the sample before are marked.
 // Returns 0 when it ended as asked, also by a signal or a reader that went
 // away; throws ToolError when the output fails otherwise.
-int Watch(Context& context, const std::vector<std::string>& selectors, double interval, long count);
+int Watch(Context& context, const std::vector<std::string>& selectors, double interval,
+          long count);
 
 }  // namespace voractl
