@@ -7,6 +7,12 @@
 
 class FuncBKL : public GroupFamily {
 public:
+    // Runs the package builder, then joins its records into the package.
+    uint32_t VoraIoTInitialize() override {
+        createIPSOBKLPackage();
+        return joinRecords();
+    }
+
     struct Backlight : GroupRecord {
         using GroupRecord::GroupRecord;
     };
@@ -54,7 +60,4 @@ protected:
     static constexpr uint32_t kPolarityKind = 0x1050300;
     static constexpr uint32_t kOnOffKind = 0x1050400;
     static constexpr uint32_t kBrightnessKind = 0x1050500;
-
-private:
-    void buildPackage() override { createIPSOBKLPackage(); }
 };

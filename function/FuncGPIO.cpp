@@ -36,28 +36,29 @@ FuncGPIO::FuncGPIO()
 
 void FuncGPIO::createIPSOGPIOPackage() {}
 
-bool FuncGPIO::publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level) {
+bool FuncGPIO::publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level,
+                          const CapQuery& inputCap, const CapQuery& outputCap) {
     // Both owned here until the block's list and the group hold them.
     auto record = std::make_unique<GPIOPIN>(name);
     voradrv::JsonHolder array(json_array());
 
     // A pin that can be only one of input and output has a fixed direction.
-    uint32_t in = getPinInputCap(pin);
-    uint32_t out = getPinOutputCap(pin);
+    uint32_t in = inputCap();
+    uint32_t out = outputCap();
     const char* directionAccess = in == kUnknownCap || out == kUnknownCap ? "N/A"
                                   : in != out                            ? "r"
                                                                          : "rw";
     // "max" 1 when the pin can be an input, "min" 0 when it can be an output.
-    const uint32_t max = getPinInputCap(pin);
-    const uint32_t min = getPinOutputCap(pin) ^ 1u;
+    const uint32_t max = inputCap();
+    const uint32_t min = outputCap() ^ 1u;
     if (json_array_append_new(array.get(), PinItem("Dir", direction, max, min, kDirectionBase + pin,
                                              "I/O", directionAccess,
                                              getUIProperty(directionAccess))) != 0) {
         std::puts("VORADrv GPIO : cap dir unable to append new value");
     }
 
-    in = getPinInputCap(pin);
-    out = getPinOutputCap(pin);
+    in = inputCap();
+    out = outputCap();
     const char* levelAccess = in == kUnknownCap || out == kUnknownCap ? "N/A"
                               : out == 0 && in == 1                  ? "r"
                                                                      : "rw";

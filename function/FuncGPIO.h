@@ -2,10 +2,18 @@
 // direction (1 input, 0 output) and its level (0 low, 1 high).
 #pragma once
 
+#include <functional>
+
 #include "function/GroupFamily.h"
 
 class FuncGPIO : public GroupFamily {
 public:
+    // Runs the package builder, then joins its records into the package.
+    uint32_t VoraIoTInitialize() override {
+        createIPSOGPIOPackage();
+        return joinRecords();
+    }
+
     struct GPIOPIN : GroupRecord {
         using GroupRecord::GroupRecord;
     };
@@ -19,17 +27,19 @@ public:
 protected:
     FuncGPIO();
 
-    // What the pin can be: 1 when it can be an input (an output), 0 when
-    // not, 0xFFFFFFFF when the library cannot tell. Asked afresh each time.
-    virtual uint32_t getPinInputCap(unsigned pin) = 0;
-    virtual uint32_t getPinOutputCap(unsigned pin) = 0;
+    // What the pin being published can be, asked of the library afresh on
+    // each call (the block's private getPinInputCap and getPinOutputCap): 1
+    // when it can be an input (an output), 0 when not, 0xFFFFFFFF when the
+    // library cannot tell.
+    using CapQuery = std::function<uint32_t()>;
 
     // Publishes pin `pin` named `name` with its present `direction` and
     // `level`: a GPIOPIN record whose group holds the "Dir" and "Level"
     // items, their ranges and access modes taken from the capabilities.
     // Returns false when the pin's items could not be packed; the pin is then
     // dropped and the package must end there.
-    bool publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level);
+    bool publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level,
+                    const CapQuery& inputCap, const CapQuery& outputCap);
 
     // Reads and writes of pins through `idtoLibIDMap` (item id -> library
     // pin), with mask 1, for libraries whose calls share these shapes.
@@ -48,7 +58,4 @@ protected:
     static constexpr uint32_t kLevelBase = 0x1040301;      // + pin
     static constexpr uint32_t kDirectionKind = 0x1040200;
     static constexpr uint32_t kLevelKind = 0x1040300;
-
-private:
-    void buildPackage() override { createIPSOGPIOPackage(); }
 };

@@ -19,6 +19,12 @@ struct SensorGroup {
 
 class FuncHWM : public GroupFamily {
 public:
+    // Runs the package builder, then joins its records into the package.
+    uint32_t VoraIoTInitialize() override {
+        createIPSOHWMPackage();
+        return joinRecords();
+    }
+
     struct HWMInfo : GroupRecord {
         using GroupRecord::GroupRecord;
     };
@@ -54,7 +60,4 @@ protected:
     // library's reading in `raw` for the caller to convert.
     uint32_t readMapped(uint32_t id, json_t* value, uint32_t (*read)(unsigned int, unsigned int*),
                         unsigned int& raw);
-
-private:
-    void buildPackage() override { createIPSOHWMPackage(); }
 };

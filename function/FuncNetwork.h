@@ -5,6 +5,12 @@
 
 class FuncNetwork : public GroupFamily {
 public:
+    // Runs the package builder, then joins its records into the package.
+    uint32_t VoraIoTInitialize() override {
+        createIPSONetworkPackage();
+        return joinRecords();
+    }
+
     struct Network : GroupRecord {
         using GroupRecord::GroupRecord;
     };
@@ -17,7 +23,4 @@ public:
 
 protected:
     FuncNetwork();
-
-private:
-    void buildPackage() override { createIPSONetworkPackage(); }
 };

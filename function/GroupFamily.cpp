@@ -15,8 +15,7 @@ GroupFamily::~GroupFamily() {
     }
 }
 
-uint32_t GroupFamily::VoraIoTInitialize() {
-    buildPackage();
+uint32_t GroupFamily::joinRecords() {
     if (items.empty()) {
         // Nothing to offer: no package, so the block gets no capability member.
         return STATUS_SUCCESS;

@@ -14,7 +14,6 @@ public:
     // Deletes the records, then releases the package.
     ~GroupFamily() override;
 
-    uint32_t VoraIoTInitialize() override;
     uint32_t VoraIoTUninitialize() override;
     uint32_t VoraIoTGetMDCapability(json_t* capability) override;
     uint32_t VoraIoTSetMDEventHandler(VoraIoTEventHandler handler) override;
@@ -23,8 +22,9 @@ protected:
     // `capabilityMessage`: printed when a capability merge fails.
     GroupFamily(uint32_t blockID, std::string name, const char* capabilityMessage);
 
-    // Runs the family's package builder, which fills `items`.
-    virtual void buildPackage() = 0;
+    // Joins the records the family's package builder (slot 9, run by the
+    // family's initialise) left in `items` into the block package.
+    uint32_t joinRecords();
 
     std::vector<GroupRecord*> items;
     json_t* package = nullptr;

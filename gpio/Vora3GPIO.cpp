@@ -75,7 +75,9 @@ void Vora3GPIO::createIPSOGPIOPackage() {
         VORA3Handle::mVoraIOQueryMask(kDirections, &directions);
         int level = 0;
         VORA3Handle::mVoraIOReadEx(static_cast<unsigned char>(pin), &level);
-        if (!publishPin(name, pin, directions >> (pin % 32) & 1u, static_cast<uint32_t>(level))) {
+        if (!publishPin(name, pin, directions >> (pin % 32) & 1u, static_cast<uint32_t>(level),
+                        [&] { return getPinInputCap(pin); },
+                        [&] { return getPinOutputCap(pin); })) {
             return;
         }
     }

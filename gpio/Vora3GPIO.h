@@ -25,11 +25,10 @@ public:
 
     void createIPSOGPIOPackage() override;
 
-protected:
-    uint32_t getPinInputCap(unsigned pin) override;
-    uint32_t getPinOutputCap(unsigned pin) override;
-
 private:
+    uint32_t getPinInputCap(unsigned pin);
+    uint32_t getPinOutputCap(unsigned pin);
+
     // Pins 0 to pinCount - 1 are published.
     unsigned pinCount = 0;
 };

@@ -72,7 +72,9 @@ void Vora4GPIO::createIPSOGPIOPackage() {
         VORA4Handle::instance()->mVoraGPIOGetLevel(pin, 1, &level);
         idtoLibIDMap[kDirectionBase + pin] = pin;
         idtoLibIDMap[kLevelBase + pin] = pin;
-        if (!publishPin(name, pin, direction, level)) {
+        if (!publishPin(name, pin, direction, level,
+                        [&] { return getPinInputCap(pin); },
+                        [&] { return getPinOutputCap(pin); })) {
             return;
         }
     }

@@ -19,11 +19,10 @@ public:
 
     void createIPSOGPIOPackage() override;
 
-protected:
-    uint32_t getPinInputCap(unsigned pin) override;
-    uint32_t getPinOutputCap(unsigned pin) override;
-
 private:
+    uint32_t getPinInputCap(unsigned pin);
+    uint32_t getPinOutputCap(unsigned pin);
+
     // Bit b of word w is set when pin 32 * w + b exists.
     uint32_t pinMask[4] = {};
 };

@@ -52,7 +52,9 @@ void eCtl2GPIO::createIPSOGPIOPackage() {
         std::snprintf(name, sizeof name, "GPIO%u", pin);
         idtoLibIDMap[kDirectionBase + pin] = pin;
         idtoLibIDMap[kLevelBase + pin] = pin;
-        if (!publishPin(name, pin, direction, level)) {
+        if (!publishPin(name, pin, direction, level,
+                        [&] { return getPinInputCap(pin); },
+                        [&] { return getPinOutputCap(pin); })) {
             return;
         }
     }

@@ -20,9 +20,9 @@ public:
 
     void createIPSOGPIOPackage() override;
 
-protected:
+private:
     // The library's whole input (output) mask for the pin, whatever the
     // call's status; 0 when the library writes nothing.
-    uint32_t getPinInputCap(unsigned pin) override;
-    uint32_t getPinOutputCap(unsigned pin) override;
+    uint32_t getPinInputCap(unsigned pin);
+    uint32_t getPinOutputCap(unsigned pin);
 };

@@ -1,13 +1,20 @@
 // The function base, the JSON layout rules and the family classes.
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
 #include "SimHarness.h"
 #include "binding/VORA3Handle.h"
 #include "binding/VORA4Handle.h"
 #include "function/FuncBKL.h"
+#include "function/FuncGPIO.h"
 #include "function/FuncHWM.h"
 #include "function/FuncINFO.h"
 #include "function/FuncNetwork.h"
+#include "hwm/Vora4HWM.h"
+#include "info/Vora4INFO.h"
 #include "module/Status.h"
 
 using vtest::Dump;
@@ -78,6 +85,16 @@ private:
     bool withItem_;
 };
 
+// The virtual-table slot (1 for the destructor) a virtual member function
+// pointer refers to, as the Itanium C++ ABI lays member pointers out.
+template <class Member>
+size_t SlotOf(Member member) {
+    static_assert(sizeof(Member) == 2 * sizeof(uintptr_t), "an Itanium member pointer");
+    uintptr_t raw = 0;
+    std::memcpy(&raw, &member, sizeof raw);
+    return (raw - 1) / sizeof(void*) + 1;
+}
+
 }  // namespace
 
 TEST(FunctionBase, CapabilityPackagerKeyOrderAndFailures) {
@@ -146,13 +163,25 @@ TEST(Families, TwoGroupsWithOneNameKeepTheLaterAndReleaseEachOnce) {
 }
 
 TEST(Families, CapabilityMergeFailurePrintsTheFamilyMessage) {
-    Monitor monitor({"Voltage"});
-    monitor.VoraIoTInitialize();
-    auto notAnObject = Own(json_array());
-    vtest::StdoutCapture out;
-    EXPECT_EQ(STATUS_ERROR, monitor.VoraIoTGetMDCapability(notAnObject.get()));
-    EXPECT_EQ("VORADrv HWM Get Cap: unable to update an empty object with an empty object\n",
-              out.finish());
+    vtest::UseSimulator(Generation::Vora4);
+    ASSERT_EQ(0u, VORA4Handle::instance()->mVoraLibInitialize());
+    const std::pair<Function* (*)(), const char*> families[] = {
+        {&FuncHWM::instance, "HWM"},
+        {&FuncGPIO::instance, "GPIO"},
+        {&FuncBKL::instance, "Backlight"},
+        {&FuncNetwork::instance, "Network"},
+    };
+    for (const auto& [instance, word] : families) {
+        std::unique_ptr<Function> block(instance());
+        ASSERT_NE(nullptr, block);
+        ASSERT_EQ(0u, block->VoraIoTInitialize());
+        auto notAnObject = Own(json_array());
+        vtest::StdoutCapture out;
+        EXPECT_EQ(STATUS_ERROR, block->VoraIoTGetMDCapability(notAnObject.get()));
+        EXPECT_EQ(std::string("VORADrv ") + word +
+                      " Get Cap: unable to update an empty object with an empty object\n",
+                  out.finish());
+    }
 }
 
 TEST(Families, BacklightUninitialiseReleasesItsPackageOnce) {
@@ -212,4 +241,19 @@ TEST(Families, NetworkBlockOnlyWithTheFourthGeneration) {
     vtest::UseSimulator(Generation::Vora3);
     ASSERT_EQ(1u, VORA3Handle::instance()->mVoraDllInit());
     EXPECT_EQ(nullptr, FuncNetwork::instance());
+}
+
+TEST(Families, PackageBuildersFollowTheEightSlotsOfFunction) {
+    EXPECT_EQ(3u, SlotOf(&Function::VoraIoTInitialize));
+    EXPECT_EQ(8u, SlotOf(&Function::VoraIoTSetMDValue));
+    EXPECT_EQ(9u, SlotOf(&FuncINFO::createIPSOInfoPackage));
+    EXPECT_EQ(9u, SlotOf(&FuncHWM::createIPSOHWMPackage));
+    EXPECT_EQ(9u, SlotOf(&FuncGPIO::createIPSOGPIOPackage));
+    EXPECT_EQ(9u, SlotOf(&FuncBKL::createIPSOBKLPackage));
+    EXPECT_EQ(9u, SlotOf(&FuncNetwork::createIPSONetworkPackage));
+    // Implementations add theirs after it.
+    EXPECT_EQ(10u, SlotOf(&Vora4HWM::createIPSOVoltPackage));
+    EXPECT_EQ(14u, SlotOf(&Vora4HWM::createIPSOCaseOpenPackage));
+    EXPECT_EQ(10u, SlotOf(&Vora4INFO::getValueInfo));
+    EXPECT_EQ(13u, SlotOf(&Vora4INFO::getVersion));
 }
