@@ -103,8 +103,10 @@ uint32_t Vora3INFO::VoraIoTGetMDValue(uint32_t id, json_t* value) {
     }
     // An item never published reads as an empty text (the key is entered).
     const std::string& text = idtoStringValueMap[id];
-    // A JSON string cannot carry a text that is not UTF-8.
-    return json_string_set(value, text.c_str()) == 0 ? STATUS_SUCCESS : STATUS_ERROR;
+    // A text that is not UTF-8 cannot be carried by a JSON string: the value
+    // then keeps what it held, and the read still succeeds.
+    json_string_set(value, text.c_str());
+    return STATUS_SUCCESS;
 }
 
 uint32_t Vora3INFO::VoraIoTSetMDValue(uint32_t, json_t*) { return STATUS_UNSUPPORTED; }

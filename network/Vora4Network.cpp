@@ -154,9 +154,10 @@ uint32_t Vora4Network::VoraIoTGetMDValue(uint32_t id, json_t* value) {
     if (ReadText(boardValueId, form, text) != STATUS_SUCCESS) {
         return STATUS_READ_ERROR;
     }
-    // A text that is not UTF-8 cannot be carried by a JSON string: that is a
-    // failure to build JSON, and the value stays as it was.
-    return json_string_set(value, text) == 0 ? STATUS_SUCCESS : STATUS_ERROR;
+    // A text that is not UTF-8 cannot be carried by a JSON string: the value
+    // then keeps what it held, and the read still succeeds.
+    json_string_set(value, text);
+    return STATUS_SUCCESS;
 }
 
 uint32_t Vora4Network::VoraIoTSetMDValue(uint32_t id, json_t* value) {

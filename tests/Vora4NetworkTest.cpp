@@ -69,6 +69,16 @@ TEST(Vora4Network, FullLengthHostNameReadsWhole) {
     EXPECT_EQ(name, ReadText(kHostName));
 }
 
+TEST(Vora4Network, TextThatIsNotUtf8KeepsTheValueAndSucceeds) {
+    Initialised(Generation::Vora4, R"({"board": {"name": "VB-1"},
+        "network": {"words": {"0x12002": [255, 65]}}})");
+    auto value = Own(json_string("before"));
+    StdoutCapture out;
+    EXPECT_EQ(0u, VoraIoTGetMDValue(kHostName, value.get()));
+    EXPECT_STREQ("before", json_string_value(value.get()));
+    EXPECT_EQ("", out.finish());
+}
+
 TEST(Vora4Network, LibraryFailingEveryReadLeavesNoMemberButKeepsTheItems) {
     UseSimulator(Generation::Vora4, R"({"board": {"name": "VB-1"},
         "network": {"host_name": "bmc", "status": 3},
