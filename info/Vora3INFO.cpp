@@ -41,10 +41,11 @@ bool ReadText(GetTextFn get, unsigned int& length, std::string& text) {
         return false;
     }
     length = static_cast<unsigned int>(
-        std::clamp<uint64_t>(2 * static_cast<uint64_t>(length), 1, kMaxTextBuffer));
-    // Zeroed, so a call that writes nothing leaves an empty text. The buffer
-    // is released on return; only the text is kept.
-    std::vector<char> buffer(length, '\0');
+        std::min<uint64_t>(2 * static_cast<uint64_t>(length), kMaxTextBuffer));
+    // Zeroed, so a call that writes nothing leaves an empty text, and never
+    // empty, so that even a length of 0 goes with a buffer and not with the
+    // null that asks for the length. Released on return; only the text is kept.
+    std::vector<char> buffer(std::max(length, 1u), '\0');
     get(buffer.data(), &length);  // the result is not looked at
     // The library's length may count the terminator or not, and may claim
     // more than the buffer holds: the text ends at its terminator, or at the

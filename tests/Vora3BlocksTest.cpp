@@ -20,6 +20,19 @@ TEST(Vora3Info, OneLengthVariableServesBothTexts) {
     EXPECT_EQ("3.20.", ReadText(0x1010405));
 }
 
+TEST(Vora3Info, ALengthOfZeroIsDoubledToZero) {
+    // The name leaves 0 in the length; the BIOS query answers 1 without
+    // writing it, so the revision is asked for with a length of 0.
+    UseSimulator(Generation::Vora3, R"({"board": {"name": "AB", "bios_revision": "R14"},
+        "faults": [{"function": "VoraCoreGetPlatformName", "length": 0, "times": 2},
+                   {"function": "VoraCoreGetBIOSVersion", "status": 1, "times": 1}]})");
+    SimControl sim(Generation::Vora3);
+    sim.startLog();
+    ASSERT_EQ(0u, VoraIoTInitialize());
+    EXPECT_EQ(1, sim.count("VoraCoreGetBIOSVersion buffer=0x1 size=0x0")) << sim.log();
+    EXPECT_EQ("", ReadText(0x1010405));
+}
+
 TEST(Vora3Info, LengthAnswersCannotOverrunOrUnboundTheBuffers) {
     // The name fills its whole buffer (twice its length) without a
     // terminator and claims 100000 bytes; the BIOS query claims 4 GiB. Both

@@ -17,6 +17,9 @@ using namespace vorasim;
 namespace {
 
 uint32_t Text(Call& call, const std::string* text, char* buffer, unsigned int* length) {
+    if (buffer != nullptr && length != nullptr) {
+        call.note("size", *length);
+    }
     if (call.failsNow()) {
         return call.status();
     }
