@@ -154,7 +154,11 @@ uint32_t VoraIoTGetMDValue(uint32_t id, json_t *value);
  */
 uint32_t VoraIoTSetMDValue(uint32_t id, json_t *value);
 
-/** Offer an event handler to every block. Returns VORADRV_STATUS_SUCCESS. */
+/**
+ * Offer an event handler to every block (no block raises events). Returns
+ * VORADRV_STATUS_SUCCESS, or VORADRV_STATUS_UNSUPPORTED after
+ * VoraIoTUninitialize until the next VoraIoTInitialize.
+ */
 uint32_t VoraIoTSetMDEventHandler(VoraIoTEventHandler handler);
 
 /* Pointer types for hosts that bind the entry points with dlsym. */
