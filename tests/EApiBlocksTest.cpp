@@ -161,6 +161,25 @@ TEST(EApiHwm, OnlyACapabilityAnswerOfExactlyOneMakesASensor) {
     }
 }
 
+TEST(EApiHwm, DiscoveryLooksAtTheAnswersNotTheStatuses) {
+    // Both calls fail but write: the sensor is there, with the value written.
+    Initialised(Generation::EApi, Board(R"("fan": [{"index": 0, "value": 1000}])", R"(
+        {"function": "EApiHWMGetCaps", "arg": "0x22000", "status": "0xFFFFF0FF", "value": 1},
+        {"function": "EApiBoardGetValue", "arg": "0x22000", "status": "0xFFFFF0FF", "value": 77})"));
+    EXPECT_EQ("CPU=77@1020301 ", Entries(CapabilityOf("Hardware Monitor").get(), "Fan Speed"));
+}
+
+TEST(EApiHwm, NamesOfEveryPosition) {
+    Initialised(Generation::EApi, LargestBoard(Generation::EApi));
+    const JsonPtr hwm = CapabilityOf("Hardware Monitor");
+    // Four blocks of four slots, named by 4 x block + slot.
+    EXPECT_EQ("VCORE,V2.5,V3.3,VBAT,V5,V5SB,V12,DC,DCSB,BAT,V3.35,VCOREB,CPU,ChipSet,System,CPU1",
+              GroupNames(hwm.get(), "Voltage"));
+    EXPECT_EQ("CPU,ChipSet,System", GroupNames(hwm.get(), "Temperature"));
+    EXPECT_EQ("CPU,System,Other", GroupNames(hwm.get(), "Fan Speed"));
+    EXPECT_EQ("Current", GroupNames(hwm.get(), "Current"));
+}
+
 namespace {
 
 const char kPins[] = R"("gpio": [

@@ -112,6 +112,19 @@ TEST(Vora3Hwm, MasksDecideTheSensorsAndBitsTheirNames) {
                      json_real_value(json_object_get(FindElement(hwm.get(), 0x1020101), "v")));
 }
 
+TEST(Vora3Hwm, NamesOfEveryBitAndOnlyAnAnswerOfOneMakesASensor) {
+    UseSimulator(Generation::Vora3, LargestBoard(Generation::Vora3));
+    SimControl sim(Generation::Vora3);
+    sim.addFault(R"({"function": "VoraHWMGetFanSpeed", "arg": "0x10", "status": 2})");
+    sim.addFault(R"({"function": "VoraHWMGetTemperature", "arg": "0x4", "status": 0})");
+    ASSERT_EQ(0u, Quietly(VoraIoTInitialize));
+    const JsonPtr hwm = CapabilityOf("Hardware Monitor");
+    EXPECT_EQ("VCORE,V2.5,V3.3,V5,V12,V5SB,V3SB,VBAT,VN50,VN120,VTT,VCORE2,V1.05,V1.5,V1.8,V24",
+              GroupNames(hwm.get(), "Voltage"));
+    EXPECT_EQ("CPU,System,CPU2", GroupNames(hwm.get(), "Temperature"));  // AUX answered 0
+    EXPECT_EQ("CPU,System,Other,CPU2", GroupNames(hwm.get(), "Fan Speed"));  // AUX2 answered 2
+}
+
 TEST(Vora3Hwm, ReadsFollowTheItemIdAlone) {
     SimControl sim = Initialised(Generation::Vora3, R"({"board": {"name": "VB-1"}, "sensors": {
         "temperature": [{"index": 0, "value": 30}],

@@ -149,6 +149,22 @@ TEST(Vora4Hwm, NamesFromTheLibraryCutOrDefault) {
     EXPECT_EQ("", name(0x102010C));  // the one position without a default
 }
 
+TEST(Vora4Hwm, DefaultNamesOfEveryPosition) {
+    UseSimulator(Generation::Vora4, LargestBoard(Generation::Vora4));
+    SimControl(Generation::Vora4).addFault(R"({"function": "VoraBoardGetStringA", "status": 1})");
+    ASSERT_EQ(0u, Quietly(VoraIoTInitialize));
+    const JsonPtr hwm = CapabilityOf("Hardware Monitor");
+    EXPECT_EQ("VCORE,VCORE2,V2.5,V3.3,V5,V12,V5SB,V3SB,VBAT,VN50,VN120,VTT,V24,DC,DCSB,VBATLI,"
+              "OEM0,OEM1,OEM2,OEM3,V1.05,V1.5,V1.8,12VS5",
+              GroupNames(hwm.get(), "Voltage"));
+    EXPECT_EQ("CPU,Chipset,System,CPU2,OEM0,OEM1,OEM2,OEM3,OEM4,OEM5,System 2Graphic,",
+              GroupNames(hwm.get(), "Temperature"));
+    EXPECT_EQ("CPU,System,CPU2,OEM0,OEM1,OEM2,OEM3,OEM4,OEM5,OEM6,System 2,System 3,System 4",
+              GroupNames(hwm.get(), "Fan Speed"));
+    EXPECT_EQ("OEM0,OEM1,OEM2", GroupNames(hwm.get(), "Current"));
+    EXPECT_EQ("OEM0,OEM1,OEM2", GroupNames(hwm.get(), "Case Open"));
+}
+
 namespace {
 
 const char kPins[] = R"({"board": {"name": "VB-1"}, "gpio": [

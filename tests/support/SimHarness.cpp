@@ -313,6 +313,17 @@ const json_t* FindElement(const json_t* node, uint32_t id) {
     return found;
 }
 
+std::string GroupNames(const json_t* block, const char* group) {
+    std::string names;
+    size_t index = 0;
+    const json_t* element = nullptr;
+    json_array_foreach(json_object_get(json_object_get(block, group), "e"), index, element) {
+        const char* name = json_string_value(json_object_get(element, "n"));
+        names += (index == 0 ? "" : ",") + std::string(name != nullptr ? name : "?");
+    }
+    return names;
+}
+
 std::vector<Item> Items(const json_t* node) {
     std::vector<Item> items;
     std::set<uint32_t> seen;

@@ -137,6 +137,9 @@ void ForEachElement(const json_t* node, const std::function<void(const json_t*)>
 // The element with item id `id` anywhere in `node`, or null.
 const json_t* FindElement(const json_t* node, uint32_t id);
 
+// The "n" of every element of group `group` of `block`, joined by commas.
+std::string GroupNames(const json_t* block, const char* group);
+
 // A published item: its id, the JSON type of its value, and "asm" "rw".
 struct Item {
     uint32_t id;
