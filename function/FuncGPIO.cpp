@@ -15,7 +15,7 @@ namespace {
 constexpr uint32_t kUnknownCap = 0xFFFFFFFF;
 
 // {"n", "bv", "max", "min", "id", "u", "asm", "ui"}.
-json_t* PinItem(const char* label, uint32_t value, uint32_t max, uint32_t min, uint32_t id,
+json_t* PinItem(const char* label, json_int_t value, uint32_t max, uint32_t min, uint32_t id,
                 const char* unit, const char* access, const char* ui) {
     return json_pack("{s:s, s:o, s:i, s:i, s:i, s:s, s:s, s:s}", "n", label, "bv",
                      json_integer(value), "max", static_cast<int>(max), "min",
@@ -36,7 +36,7 @@ FuncGPIO::FuncGPIO()
 
 void FuncGPIO::createIPSOGPIOPackage() {}
 
-bool FuncGPIO::publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level,
+bool FuncGPIO::publishPin(const char* name, unsigned pin, json_int_t direction, json_int_t level,
                           const CapQuery& inputCap, const CapQuery& outputCap) {
     // Both owned here until the block's list and the group hold them.
     auto record = std::make_unique<GPIOPIN>(name);

@@ -34,11 +34,12 @@ protected:
     using CapQuery = std::function<uint32_t()>;
 
     // Publishes pin `pin` named `name` with its present `direction` and
-    // `level`: a GPIOPIN record whose group holds the "Dir" and "Level"
+    // `level` as the library gave them (the third generation's level is
+    // signed): a GPIOPIN record whose group holds the "Dir" and "Level"
     // items, their ranges and access modes taken from the capabilities.
     // Returns false when the pin's items could not be packed; the pin is then
     // dropped and the package must end there.
-    bool publishPin(const char* name, unsigned pin, uint32_t direction, uint32_t level,
+    bool publishPin(const char* name, unsigned pin, json_int_t direction, json_int_t level,
                     const CapQuery& inputCap, const CapQuery& outputCap);
 
     // Reads and writes of pins through `idtoLibIDMap` (item id -> library

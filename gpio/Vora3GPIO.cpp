@@ -15,9 +15,11 @@ constexpr uint32_t kLibraryOk = 1;
 constexpr unsigned int kChangeable = 2;
 constexpr unsigned int kDirections = 32;
 // Pins are addressed by an 8-bit index and published as item numbers pin + 1
-// in the id's low byte, so at most 255 pins can be published. A larger count
-// (or one that overflows) is cut to that, which also bounds the allocation.
-constexpr uint64_t kMaxPins = 255;
+// in the id's low byte, so at most 255 pins can be published: a larger count
+// would give pins the ids of other items. The count (the sum of the
+// library's two counts, as 32-bit arithmetic) is cut to that, which also
+// bounds the allocation.
+constexpr uint32_t kMaxPins = 255;
 
 uint32_t Mapped(uint32_t result) { return result == kLibraryOk ? STATUS_SUCCESS : result; }
 
@@ -25,12 +27,14 @@ uint32_t Mapped(uint32_t result) { return result == kLibraryOk ? STATUS_SUCCESS 
 // item number 0 is pin 255.
 unsigned char PinOf(uint32_t id) { return static_cast<unsigned char>((id & 0xFFu) - 1u); }
 
-// Reads both masks; false when either read does not answer 1.
+// Reads mask 2, then mask 32, whatever the first answered; false when
+// either read does not answer 1.
 bool ReadMasks(unsigned int& changeable, unsigned int& directions) {
     changeable = 0;
     directions = 0;
-    return VORA3Handle::mVoraIOQueryMask(kChangeable, &changeable) == kLibraryOk &&
-           VORA3Handle::mVoraIOQueryMask(kDirections, &directions) == kLibraryOk;
+    const bool first = VORA3Handle::mVoraIOQueryMask(kChangeable, &changeable) == kLibraryOk;
+    const bool second = VORA3Handle::mVoraIOQueryMask(kDirections, &directions) == kLibraryOk;
+    return first && second;
 }
 
 }  // namespace
@@ -40,7 +44,7 @@ Vora3GPIO::Vora3GPIO() {
     unsigned int second = 0;
     // Any answer but 0 counts here; counts the library does not write stay 0.
     if (VORA3Handle::mVoraIOCountEx(&first, &second) != 0) {
-        pinCount = static_cast<unsigned>(std::min<uint64_t>(uint64_t{first} + second, kMaxPins));
+        pinCount = std::min<uint32_t>(first + second, kMaxPins);
     }
     items.reserve(pinCount);
 }
@@ -75,7 +79,7 @@ void Vora3GPIO::createIPSOGPIOPackage() {
         VORA3Handle::mVoraIOQueryMask(kDirections, &directions);
         int level = 0;
         VORA3Handle::mVoraIOReadEx(static_cast<unsigned char>(pin), &level);
-        if (!publishPin(name, pin, directions >> (pin % 32) & 1u, static_cast<uint32_t>(level),
+        if (!publishPin(name, pin, directions >> (pin % 32) & 1u, level,
                         [&] { return getPinInputCap(pin); },
                         [&] { return getPinOutputCap(pin); })) {
             return;

@@ -153,18 +153,46 @@ TEST(Vora3Hwm, ReadsFollowTheItemIdAlone) {
 }
 
 TEST(Vora3Gpio, UnreadableMasksOrCountPublishUnknownRangesOrNothing) {
-    Initialised(Generation::Vora3, R"({"board": {"name": "VB-1"}, "gpio": [
+    UseSimulator(Generation::Vora3, R"({"board": {"name": "VB-1"}, "gpio": [
         {"pin": 0, "input": true, "output": true, "direction": "in"}],
         "faults": [{"function": "VoraIOQueryMask", "arg": 2, "status": 0}]})");
+    SimControl sim(Generation::Vora3);
+    sim.startLog();
+    ASSERT_EQ(0u, VoraIoTInitialize());
     EXPECT_EQ(
         R"({"n":"Dir","bv":1,"max":-1,"min":-2,"id":17039873,"u":"I/O","asm":"N/A","ui":"TextBox"})",
         Dump(FindElement(CapabilityOf("GPIO").get(), 0x1040201)));
+    // Each of the six capability questions reads mask 32 after the failed
+    // mask 2; the direction read adds one more.
+    EXPECT_EQ(7, sim.count("VoraIOQueryMask 0x20"));
+    EXPECT_EQ(13, sim.count("VoraIOQueryMask 0x2"));
     EXPECT_EQ(1u, VoraIoTUninitialize());  // the library's own result, passed back
 
-    SimControl sim(Generation::Vora3);
     sim.addFault(R"({"function": "VoraIOCountEx", "status": 0})");
     ASSERT_EQ(0u, VoraIoTInitialize());
     EXPECT_EQ(nullptr, CapabilityOf("GPIO"));
+    VoraIoTUninitialize();
+
+    // The two counts add up as 32-bit numbers (2^31 + 2^31 is 0), and no
+    // more than 255 pins can be addressed.
+    sim.clearFaults();
+    sim.addFault(R"({"function": "VoraIOCountEx", "value": "0x80000000"})");
+    ASSERT_EQ(0u, VoraIoTInitialize());
+    EXPECT_EQ(nullptr, CapabilityOf("GPIO"));
+    VoraIoTUninitialize();
+    sim.clearFaults();
+    sim.addFault(R"({"function": "VoraIOCountEx", "value": 200})");
+    ASSERT_EQ(0u, Quietly(VoraIoTInitialize));
+    EXPECT_EQ(2u + 255u, json_object_size(CapabilityOf("GPIO").get()));
+}
+
+TEST(Vora3Gpio, ALevelBelowZeroIsPublishedAndReadAlike) {
+    UseSimulator(Generation::Vora3, R"({"board": {"name": "VB-1"}, "gpio": [{"pin": 0}],
+        "faults": [{"function": "VoraIOReadEx", "value": "0xFFFFFFFF"}]})");
+    ASSERT_EQ(0u, VoraIoTInitialize());
+    EXPECT_EQ(-1, json_integer_value(json_object_get(
+                      FindElement(CapabilityOf("GPIO").get(), 0x1040301), "bv")));
+    EXPECT_EQ(-1, ReadInteger(0x1040301));
 }
 
 TEST(Vora3Gpio, ReadsTakeThePinFromTheIdAlone) {
