@@ -230,15 +230,21 @@ TEST(Vora3Gpio, WritesMapOneToSuccessAndPassOtherResults) {
 // One panel "VGA" with its brightness, whose range's minimum (10) and
 // maximum (255) in the golden file tell which output of the range call is
 // which.
-TEST(Vora3Bkl, AFailingRangeCallPublishesNothing) {
-    UseSimulator(Generation::Vora3, R"({"board": {"name": "VB-1"},
-        "backlight": [{"panel": 0, "brightness": 70, "min": 10, "max": 255}],
-        "faults": [{"function": "VoraVCGetBrightRange", "status": 0}]})");
-    StdoutCapture out;
-    ASSERT_EQ(0u, VoraIoTInitialize());
-    EXPECT_EQ("", out.finish());
-    EXPECT_EQ(nullptr, CapabilityOf("Backlight"));
-    EXPECT_EQ(70, ReadInteger(0x1050501));  // the block is there all the same
+TEST(Vora3Bkl, AFailingRangeOrBrightnessCallPublishesNothing) {
+    UseSimulator(Generation::Vora3);
+    SimControl sim(Generation::Vora3);
+    for (const char* fault : {R"({"function": "VoraVCGetBrightRange", "status": 0})",
+                              R"({"function": "VoraVCGetBright", "status": 2, "times": 1})"}) {
+        sim.loadProfile(R"({"board": {"name": "VB-1"},
+            "backlight": [{"panel": 0, "brightness": 70, "min": 10, "max": 255}],
+            "faults": [)" + std::string(fault) + "]}");
+        StdoutCapture out;
+        ASSERT_EQ(0u, VoraIoTInitialize());
+        EXPECT_EQ("", out.finish());
+        EXPECT_EQ(nullptr, CapabilityOf("Backlight")) << fault;
+        EXPECT_EQ(70, ReadInteger(0x1050501));  // the block is there all the same
+        VoraIoTUninitialize();
+    }
 }
 
 TEST(Vora3Bkl, BrightnessByKindAsItsLowByte) {

@@ -221,6 +221,25 @@ TEST(Vora4Gpio, FailedCapabilityCallsPublishUnknownRanges) {
     EXPECT_EQ("r", Access(gpio.get(), 0x1040280));  // pins of the other banks
 }
 
+TEST(Vora4Gpio, UnreadableBanksHaveNoPinsAndUnreadableValuesPublishZero) {
+    UseSimulator(Generation::Vora4, kPins);
+    SimControl sim(Generation::Vora4);
+    // Bank 1's inputs cannot be read, so its outputs are not asked for.
+    sim.addFault(R"({"function": "VoraGPIOGetCaps", "arg": "0x10001", "status": 1, "times": 1})");
+    sim.addFault(R"({"function": "VoraGPIOGetDirection", "arg": 0, "status": 1, "times": 1})");
+    sim.addFault(R"({"function": "VoraGPIOGetLevel", "arg": 0, "status": 1, "times": 1})");
+    sim.startLog();
+    ASSERT_EQ(0u, VoraIoTInitialize());
+    EXPECT_EQ(0, sim.count("VoraGPIOGetCaps 0x10001 item=0x1")) << sim.log();
+    const JsonPtr gpio = CapabilityOf("GPIO");
+    EXPECT_EQ(nullptr, FindElement(gpio.get(), 0x1040229));  // pin 40
+    EXPECT_NE(nullptr, FindElement(gpio.get(), 0x1040280));  // pin 127
+    // Pin 0 is an input at level 1, but both reads failed.
+    for (uint32_t id : {0x1040201u, 0x1040301u}) {
+        EXPECT_EQ(0, json_integer_value(json_object_get(FindElement(gpio.get(), id), "bv")));
+    }
+}
+
 TEST(Vora4Gpio, ReadsAndWritesReachTheLibraryWithMaskOne) {
     SimControl sim = Initialised(Generation::Vora4, kPins);
     sim.startLog();
