@@ -264,9 +264,9 @@ void ExpectGolden(const json_t* actual, const std::string& name) {
     json_error_t error;
     JsonPtr expected = Own(json_load_file(path.c_str(), 0, &error));
     ASSERT_NE(nullptr, expected) << path << ": " << error.text;
-    EXPECT_TRUE(json_equal(expected.get(), actual))
-        << "differs from " << path << " (VTEST_UPDATE_GOLDEN=1 rewrites it)\nactual: "
-        << Dump(actual);
+    // Compared as text, so that the order of every object's keys counts.
+    EXPECT_EQ(Dump(expected.get()), Dump(actual))
+        << "differs from " << path << " (VTEST_UPDATE_GOLDEN=1 rewrites it)";
 }
 
 void ExpectGoldenText(const std::string& actual, const std::string& name) {

@@ -121,8 +121,8 @@ JsonPtr Parse(const std::string& text);
 // Compact JSON text of a value, keys in document order.
 std::string Dump(const json_t* json);
 
-// Compares `actual` with the golden file tests/data/golden/<name>, as JSON or
-// as text. With VTEST_UPDATE_GOLDEN=1 in the environment the file is written
+// Compares `actual` with the golden file tests/data/golden/<name>, as JSON
+// (keys in their order) or as text. With VTEST_UPDATE_GOLDEN=1 in the environment the file is written
 // instead.
 void ExpectGolden(const json_t* actual, const std::string& name);
 void ExpectGoldenText(const std::string& actual, const std::string& name);
