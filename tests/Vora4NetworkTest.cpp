@@ -44,7 +44,7 @@ TEST(Vora4Network, TextFormsAtTheirEdges) {
         "0x12003": [10, 256, 2748, 1, 2, 3],
         "0x12004": [1, 2, 300, 4],
         "0x12008": [4294967295, 4294967295, 4294967295, 4294967295],
-        "0x1200F": [10, 0, 0, 1, 65535]},
+        "0x1200F": [255, 255, 255, 255, 65535]},
         "server_domain_name":
         "a123456789b123456789c123456789d123456789e123456789f123456789g123"}})");
     // Host name: the low byte of each word.
@@ -53,7 +53,7 @@ TEST(Vora4Network, TextFormsAtTheirEdges) {
     EXPECT_EQ("0A:100:ABC:01:02:", ReadText(kMac));
     EXPECT_EQ("1.2.300.4", ReadText(kModifiedIp));
     EXPECT_EQ("4294967295.4294", ReadText(kCurrentIp));
-    EXPECT_EQ("10.0.0.1:65535", ReadText(kServerAddress));
+    EXPECT_EQ("255.255.255.255:6553", ReadText(kServerAddress));  // cut to 20
     EXPECT_EQ(64u, ReadText(kServerName).size());
 
     const JsonPtr network = CapabilityOf("OOB-Network");
@@ -155,6 +155,14 @@ TEST(Vora4Network, RefusedValuesNeverReachTheBoard) {
         {kModifiedIp, "192.168.1.256"},    {kModifiedIp, "192.168.1"},
         {kModifiedIp, "192.168..1"},       {kModifiedIp, "1.2.3.4.."},
         {kModifiedIp, "-1.2.3.4"},         {kHostName, std::string(32, 'h')},
+        // 16 characters, but 32 bytes.
+        {kHostName, [] {
+             std::string name;
+             for (int i = 0; i < 16; ++i) {
+                 name += "\u00e9";
+             }
+             return name;
+         }()},
     };
     StdoutCapture quiet;
     for (const auto& [id, text] : refused) {
