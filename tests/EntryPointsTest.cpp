@@ -97,6 +97,16 @@ TEST(Probe, AlreadyInitialisedEndsTheProbeAtOnce) {
     EXPECT_TRUE(functions.empty());
 }
 
+TEST(Probe, AlreadyInitialisedEApiLibraryIsNoFailure) {
+    setenv("VORA_SIM_BOARD",
+           WriteTempFile(FailingInit("EApiLibInitialize", "0xFFFFFFFE")).c_str(), 1);
+    Redirect({{"/usr/lib/libEApi.so", SimLibraryPath(Generation::EApi)}});
+    StdoutCapture out;
+    EXPECT_EQ(STATUS_ALREADY_INITIALIZED, VoraIoTInitialize());
+    EXPECT_EQ("", out.finish());
+    EXPECT_TRUE(functions.empty());
+}
+
 TEST(Probe, ThirdGenerationCountsOnlyOneAsSuccess) {
     setenv("VORA_SIM_BOARD", WriteTempFile(FailingInit("VoraDllInit", "0")).c_str(), 1);
     Redirect({{"/usr/lib/libVORA-3.02.so", SimLibraryPath(Generation::Vora3)},
