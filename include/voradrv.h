@@ -111,8 +111,11 @@ typedef void (*VoraIoTEventHandler)(uint32_t id, char *text);
  * exists; otherwise the failing library's or block's status.
  *
  * Calling it again without VoraIoTUninitialize probes the library again; when
- * that succeeds the previous blocks and document are released and rebuilt,
- * otherwise the previous state is kept and the probe's status returned.
+ * that succeeds five more blocks are created and every block is initialised
+ * again, and the document is rebuilt from all of them (the newest block of a
+ * kind answers). Capability objects the host already holds stay whole. When
+ * the probe or a block fails, the previous document stays in use and the
+ * status is returned. VoraIoTUninitialize releases every block.
  */
 uint32_t VoraIoTInitialize(void);
 

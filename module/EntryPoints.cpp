@@ -67,7 +67,8 @@ Function* BlockFor(uint32_t id, const char* notFound) {
 }
 
 uint32_t BuildCapabilityDocument() {
-    // A document left from an earlier initialise is released, not leaked.
+    // A document left from an earlier initialise is released, not leaked:
+    // the host's copies hold the block objects by reference of their own.
     ReleaseDocument();
     jasonCapabilityPackage = json_object();
     for (size_t i = 0; i < functions.size(); ++i) {
@@ -100,20 +101,13 @@ uint32_t Initialize() {
     if (status != STATUS_SUCCESS) {
         return status;
     }
-    // A second initialise without uninitialise starts afresh: the blocks and
-    // document of the first are released before new ones are made.
-    ReleaseDocument();
-    for (Function* block : functions) {
-        if (block != nullptr) {
-            block->VoraIoTUninitialize();
-        }
-    }
-    DeleteBlocks();
-
-    // Each block enters the registry as soon as it exists (the room is
-    // reserved first, so adding it cannot fail): when creating the next one
-    // throws, the ones before are owned, not lost.
-    functions.reserve(kBlockCount);
+    // A second initialise without uninitialise appends five more blocks: the
+    // earlier ones stay in the registry, are initialised again below and are
+    // released by uninitialise with the rest. Each block enters the registry
+    // as soon as it exists (the room is reserved first, so adding it cannot
+    // fail): when creating the next one throws, the ones before are owned,
+    // not lost.
+    functions.reserve(functions.size() + kBlockCount);
     for (Function* (*create)() : {&FuncINFO::instance, &FuncHWM::instance, &FuncGPIO::instance,
                                   &FuncBKL::instance, &FuncNetwork::instance}) {
         functions.push_back(create());
