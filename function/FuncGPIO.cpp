@@ -82,6 +82,14 @@ bool FuncGPIO::publishPin(const char* name, unsigned pin, json_int_t direction, 
     return true;
 }
 
+bool FuncGPIO::publishMappedPin(const char* name, unsigned pin, json_int_t direction,
+                                json_int_t level, const CapQuery& inputCap,
+                                const CapQuery& outputCap) {
+    idtoLibIDMap[kDirectionBase + pin] = pin;
+    idtoLibIDMap[kLevelBase + pin] = pin;
+    return publishPin(name, pin, direction, level, inputCap, outputCap);
+}
+
 uint32_t FuncGPIO::getMappedPin(uint32_t id, json_t* value, PinRead direction, PinRead level) {
     auto pin = idtoLibIDMap.find(id);
     if (pin == idtoLibIDMap.end()) {

@@ -42,8 +42,14 @@ protected:
     bool publishPin(const char* name, unsigned pin, json_int_t direction, json_int_t level,
                     const CapQuery& inputCap, const CapQuery& outputCap);
 
-    // Reads and writes of pins through `idtoLibIDMap` (item id -> library
-    // pin), with mask 1, for libraries whose calls share these shapes.
+    // publishPin for a pin that reads and writes go to through
+    // `idtoLibIDMap` (item id -> library pin): both items are mapped first,
+    // so they stay reachable even when the pin cannot be published.
+    bool publishMappedPin(const char* name, unsigned pin, json_int_t direction,
+                          json_int_t level, const CapQuery& inputCap, const CapQuery& outputCap);
+
+    // Reads and writes of pins through `idtoLibIDMap`, with mask 1, for
+    // libraries whose calls share these shapes.
     using PinRead = uint32_t (*)(unsigned int pin, unsigned int mask, unsigned int* value);
     using PinWrite = uint32_t (*)(unsigned int pin, unsigned int mask, unsigned int value);
     uint32_t getMappedPin(uint32_t id, json_t* value, PinRead direction, PinRead level);

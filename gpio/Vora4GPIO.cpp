@@ -70,11 +70,8 @@ void Vora4GPIO::createIPSOGPIOPackage() {
         unsigned int level = 0;
         VORA4Handle::instance()->mVoraGPIOGetDirection(pin, 1, &direction);
         VORA4Handle::instance()->mVoraGPIOGetLevel(pin, 1, &level);
-        idtoLibIDMap[kDirectionBase + pin] = pin;
-        idtoLibIDMap[kLevelBase + pin] = pin;
-        if (!publishPin(name, pin, direction, level,
-                        [&] { return getPinInputCap(pin); },
-                        [&] { return getPinOutputCap(pin); })) {
+        if (!publishMappedPin(name, pin, direction, level, [&] { return getPinInputCap(pin); },
+                              [&] { return getPinOutputCap(pin); })) {
             return;
         }
     }

@@ -50,11 +50,8 @@ void eCtl2GPIO::createIPSOGPIOPackage() {
         Library()->mEApiGPIOGetLevel(pin, 1, &level);
         char name[kNameSize];
         std::snprintf(name, sizeof name, "GPIO%u", pin);
-        idtoLibIDMap[kDirectionBase + pin] = pin;
-        idtoLibIDMap[kLevelBase + pin] = pin;
-        if (!publishPin(name, pin, direction, level,
-                        [&] { return getPinInputCap(pin); },
-                        [&] { return getPinOutputCap(pin); })) {
+        if (!publishMappedPin(name, pin, direction, level, [&] { return getPinInputCap(pin); },
+                              [&] { return getPinOutputCap(pin); })) {
             return;
         }
     }
