@@ -16,7 +16,6 @@ constexpr unsigned int kPanelNameBase = 0x60000000;  // string id of panel 0's n
 constexpr unsigned int kNameSize = 32;
 constexpr uint32_t kFrequencyMaximum = 65535;
 
-VORA4Handle* Library() { return VORA4Handle::instance(); }
 
 }  // namespace
 
@@ -31,9 +30,9 @@ void Vora4BKL::createIPSOBKLPackage() {
     for (unsigned panel = 0; panel < kPanels; ++panel) {
         voradrv::JsonHolder array;
         unsigned int v = 0;
-        if (Library()->mVoraVgaGetBacklightBrightness(panel, &v) == STATUS_SUCCESS) {
-            Library()->mVoraVgaGetCaps(panel, kBrightnessMaximum, &maximum);
-            Library()->mVoraVgaGetCaps(panel, kBrightnessMinimum, &minimum);
+        if (VORA4Handle::mVoraVgaGetBacklightBrightness(panel, &v) == STATUS_SUCCESS) {
+            VORA4Handle::mVoraVgaGetCaps(panel, kBrightnessMaximum, &maximum);
+            VORA4Handle::mVoraVgaGetCaps(panel, kBrightnessMinimum, &minimum);
             array.reset(json_array());
             idtoLibIDMap[kBrightnessKind + 1 + panel] = panel;
             appendControl(array.get(), "brightness", "Brightness", "v", v, maximum, minimum,
@@ -43,19 +42,19 @@ void Vora4BKL::createIPSOBKLPackage() {
         // brightness their append fails and they are not published, though
         // they stay readable by id.
         v = 0;
-        if (Library()->mVoraVgaGetFrequency(panel, &v) == STATUS_SUCCESS) {
+        if (VORA4Handle::mVoraVgaGetFrequency(panel, &v) == STATUS_SUCCESS) {
             idtoLibIDMap[kFrequencyKind + 1 + panel] = panel;
             appendControl(array.get(), "frequency", "Frequency", "v", v, kFrequencyMaximum, 0,
                           kFrequencyKind + 1 + panel, "Hz");
         }
         v = 0;
-        if (Library()->mVoraVgaGetPolarity(panel, &v) == STATUS_SUCCESS) {
+        if (VORA4Handle::mVoraVgaGetPolarity(panel, &v) == STATUS_SUCCESS) {
             idtoLibIDMap[kPolarityKind + 1 + panel] = panel;
             appendControl(array.get(), "polarity", "Polarity", "bv", v, 1, 0,
                           kPolarityKind + 1 + panel, "ON/OFF");
         }
         v = 0;
-        if (Library()->mVoraVgaGetBacklightEnable(panel, &v) == STATUS_SUCCESS) {
+        if (VORA4Handle::mVoraVgaGetBacklightEnable(panel, &v) == STATUS_SUCCESS) {
             idtoLibIDMap[kOnOffKind + 1 + panel] = panel;
             if (array == nullptr) {
                 array.reset(json_array());
@@ -70,7 +69,7 @@ void Vora4BKL::createIPSOBKLPackage() {
         // never claims more than the buffer holds.
         char name[kNameSize] = {};
         length = length > kNameSize ? kNameSize : length;
-        if (Library()->mVoraBoardGetStringA(kPanelNameBase | panel, name, &length) ==
+        if (VORA4Handle::mVoraBoardGetStringA(kPanelNameBase | panel, name, &length) ==
             STATUS_SUCCESS) {
             name[kNameSize - 1] = '\0';  // whatever the library wrote
         } else {
@@ -92,11 +91,11 @@ uint32_t Vora4BKL::VoraIoTGetMDValue(uint32_t id, json_t* value) {
     unsigned int v = 0;
     uint32_t status;
     switch (id & 0xFFFFFF00u) {
-        case kFrequencyKind: status = Library()->mVoraVgaGetFrequency(panel, &v); break;
-        case kPolarityKind: status = Library()->mVoraVgaGetPolarity(panel, &v); break;
-        case kOnOffKind: status = Library()->mVoraVgaGetBacklightEnable(panel, &v); break;
+        case kFrequencyKind: status = VORA4Handle::mVoraVgaGetFrequency(panel, &v); break;
+        case kPolarityKind: status = VORA4Handle::mVoraVgaGetPolarity(panel, &v); break;
+        case kOnOffKind: status = VORA4Handle::mVoraVgaGetBacklightEnable(panel, &v); break;
         case kBrightnessKind:
-            status = Library()->mVoraVgaGetBacklightBrightness(panel, &v);
+            status = VORA4Handle::mVoraVgaGetBacklightBrightness(panel, &v);
             break;
         default: return STATUS_NOT_FOUND;
     }
@@ -110,19 +109,19 @@ uint32_t Vora4BKL::VoraIoTSetMDValue(uint32_t id, json_t* value) {
     }
     const auto v = static_cast<uint32_t>(json_integer_value(value));
     switch (id & 0xFFFFFF00u) {
-        case kFrequencyKind: return Library()->mVoraVgaSetFrequency(panel, v);
-        case kPolarityKind: return Library()->mVoraVgaSetPolarity(panel, v);
-        case kBrightnessKind: return Library()->mVoraVgaSetBacklightBrightness(panel, v);
+        case kFrequencyKind: return VORA4Handle::mVoraVgaSetFrequency(panel, v);
+        case kPolarityKind: return VORA4Handle::mVoraVgaSetPolarity(panel, v);
+        case kBrightnessKind: return VORA4Handle::mVoraVgaSetBacklightBrightness(panel, v);
         case kOnOffKind: {
             unsigned int present = 0;
-            const uint32_t status = Library()->mVoraVgaGetBacklightEnable(panel, &present);
+            const uint32_t status = VORA4Handle::mVoraVgaGetBacklightEnable(panel, &present);
             if (status != STATUS_SUCCESS) {
                 return status;
             }
             if (present == v) {
                 return STATUS_SUCCESS;
             }
-            return Library()->mVoraVgaSetBacklightEnable(panel, v);
+            return VORA4Handle::mVoraVgaSetBacklightEnable(panel, v);
         }
         default: return STATUS_NOT_FOUND;
     }

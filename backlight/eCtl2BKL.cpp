@@ -15,7 +15,6 @@ constexpr unsigned int kNameSize = 32;
 constexpr unsigned int kEnableOn = 0;
 constexpr unsigned int kEnableOff = 0xFFFFFFFF;
 
-ECTL2Handle* Library() { return ECTL2Handle::instance(); }
 
 }  // namespace
 
@@ -25,13 +24,13 @@ eCtl2BKL::eCtl2BKL() { items.reserve(2); }
 void eCtl2BKL::createIPSOBKLPackage() {
     for (unsigned panel = 0; panel < kPanels; ++panel) {
         unsigned int brightness = 0;
-        if (Library()->mEApiVgaGetBacklightBrightness(panel, &brightness) != STATUS_SUCCESS) {
+        if (ECTL2Handle::mEApiVgaGetBacklightBrightness(panel, &brightness) != STATUS_SUCCESS) {
             continue;
         }
         // The on/off read is not checked; one the library cannot answer
         // publishes 0.
         unsigned int enable = 0;
-        Library()->mEApiVgaGetBacklightEnable(panel, &enable);
+        ECTL2Handle::mEApiVgaGetBacklightEnable(panel, &enable);
         // Panels are numbered from 1 in names and ids.
         const unsigned n = panel + 1;
         char name[kNameSize];
@@ -58,11 +57,11 @@ uint32_t eCtl2BKL::VoraIoTGetMDValue(uint32_t id, json_t* value) {
     uint32_t status;
     switch (id & 0xFFFFFF00u) {
         case kOnOffKind:
-            status = Library()->mEApiVgaGetBacklightEnable(panel, &v);
+            status = ECTL2Handle::mEApiVgaGetBacklightEnable(panel, &v);
             v = v != 0 ? 1 : 0;
             break;
         case kBrightnessKind:
-            status = Library()->mEApiVgaGetBacklightBrightness(panel, &v);
+            status = ECTL2Handle::mEApiVgaGetBacklightBrightness(panel, &v);
             break;
         default: return STATUS_NOT_FOUND;
     }
@@ -77,10 +76,10 @@ uint32_t eCtl2BKL::VoraIoTSetMDValue(uint32_t id, json_t* value) {
     const auto v = static_cast<uint32_t>(json_integer_value(value));
     switch (id & 0xFFFFFF00u) {
         case kOnOffKind:
-            return Library()->mEApiVgaSetBacklightEnable(panel,
+            return ECTL2Handle::mEApiVgaSetBacklightEnable(panel,
                                                          v == 0 ? kEnableOff : kEnableOn);
         case kBrightnessKind:
-            return Library()->mEApiVgaSetBacklightBrightness(panel, v);
+            return ECTL2Handle::mEApiVgaSetBacklightBrightness(panel, v);
         default: return STATUS_NOT_FOUND;
     }
 }

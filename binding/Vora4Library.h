@@ -1,30 +1,48 @@
-// C interface of the fourth-generation board library "libVORA-4.00", as the
-// module binds it by name. The simulator implements exactly these functions.
+// The fourth-generation board library "libVORA-4.00": every function the
+// module binds, in the order it binds them, written once. The binding's
+// pointers and forwarders, the C declarations below, the simulator's export
+// list and the recording stand-in are all made from this table.
+//
+//   VORA4_LIBRARY(INIT, X): INIT(result, name, (parameters), (arguments)) for
+//   the library's initialise, then X(...) for every other function.
+//
 // Every function returns a status: 0 on success, else the library's code.
+// Texts follow the length protocol: `length` in is the buffer's size in
+// bytes, out the text's length. VoraBoardGetValue and VoraBoardSetValue take
+// one word, or the word array of a network value (0x12000..0x1200F).
 #pragma once
 
-#include <cstdint>
+#define VORA4_LIBRARY(INIT, X)                                                                   \
+    INIT(uint32_t, VoraLibInitialize, (), ())                                                    \
+    X(uint32_t, VoraLibUninitialize, (), ())                                                     \
+    X(uint32_t, VoraBoardGetStringA, (unsigned int id, char* buffer, unsigned int* length),      \
+      (id, buffer, length))                                                                      \
+    X(uint32_t, VoraBoardGetValue, (unsigned int id, unsigned int* value), (id, value))          \
+    X(uint32_t, VoraBoardSetValue, (unsigned int id, unsigned int* value), (id, value))          \
+    X(uint32_t, VoraGPIOGetCaps, (unsigned int id, unsigned int item, unsigned int* value),      \
+      (id, item, value))                                                                         \
+    X(uint32_t, VoraGPIOGetDirection, (unsigned int id, unsigned int mask, unsigned int* direction), \
+      (id, mask, direction))                                                                     \
+    X(uint32_t, VoraGPIOSetDirection, (unsigned int id, unsigned int mask, unsigned int direction), \
+      (id, mask, direction))                                                                     \
+    X(uint32_t, VoraGPIOGetLevel, (unsigned int id, unsigned int mask, unsigned int* level),     \
+      (id, mask, level))                                                                         \
+    X(uint32_t, VoraGPIOSetLevel, (unsigned int id, unsigned int mask, unsigned int level),      \
+      (id, mask, level))                                                                         \
+    X(uint32_t, VoraVgaGetCaps, (unsigned int id, unsigned int item, unsigned int* value),       \
+      (id, item, value))                                                                         \
+    X(uint32_t, VoraVgaGetFrequency, (unsigned int id, unsigned int* frequency), (id, frequency)) \
+    X(uint32_t, VoraVgaSetFrequency, (unsigned int id, unsigned int frequency), (id, frequency)) \
+    X(uint32_t, VoraVgaGetPolarity, (unsigned int id, unsigned int* polarity), (id, polarity))   \
+    X(uint32_t, VoraVgaSetPolarity, (unsigned int id, unsigned int polarity), (id, polarity))    \
+    X(uint32_t, VoraVgaGetBacklightEnable, (unsigned int id, unsigned int* enable), (id, enable)) \
+    X(uint32_t, VoraVgaSetBacklightEnable, (unsigned int id, unsigned int enable), (id, enable)) \
+    X(uint32_t, VoraVgaGetBacklightBrightness, (unsigned int id, unsigned int* brightness),      \
+      (id, brightness))                                                                          \
+    X(uint32_t, VoraVgaSetBacklightBrightness, (unsigned int id, unsigned int brightness),       \
+      (id, brightness))
 
-extern "C" {
-uint32_t VoraLibInitialize(void);
-uint32_t VoraLibUninitialize(void);
-// length: in the buffer's size in bytes; out the text's length.
-uint32_t VoraBoardGetStringA(unsigned int id, char* buffer, unsigned int* length);
-// value: one word, or the word array of a network value.
-uint32_t VoraBoardGetValue(unsigned int id, unsigned int* value);
-uint32_t VoraBoardSetValue(unsigned int id, unsigned int* value);
-uint32_t VoraGPIOGetCaps(unsigned int id, unsigned int item, unsigned int* value);
-uint32_t VoraGPIOGetDirection(unsigned int id, unsigned int mask, unsigned int* direction);
-uint32_t VoraGPIOSetDirection(unsigned int id, unsigned int mask, unsigned int direction);
-uint32_t VoraGPIOGetLevel(unsigned int id, unsigned int mask, unsigned int* level);
-uint32_t VoraGPIOSetLevel(unsigned int id, unsigned int mask, unsigned int level);
-uint32_t VoraVgaGetCaps(unsigned int id, unsigned int item, unsigned int* value);
-uint32_t VoraVgaGetFrequency(unsigned int id, unsigned int* frequency);
-uint32_t VoraVgaSetFrequency(unsigned int id, unsigned int frequency);
-uint32_t VoraVgaGetPolarity(unsigned int id, unsigned int* polarity);
-uint32_t VoraVgaSetPolarity(unsigned int id, unsigned int polarity);
-uint32_t VoraVgaGetBacklightEnable(unsigned int id, unsigned int* enable);
-uint32_t VoraVgaSetBacklightEnable(unsigned int id, unsigned int enable);
-uint32_t VoraVgaGetBacklightBrightness(unsigned int id, unsigned int* brightness);
-uint32_t VoraVgaSetBacklightBrightness(unsigned int id, unsigned int brightness);
-}
+#ifndef VORADRV_TABLES_ONLY
+#include "binding/LibraryTable.h"
+VORADRV_DECLARE_LIBRARY(VORA4_LIBRARY)
+#endif

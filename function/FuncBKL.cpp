@@ -3,16 +3,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "backlight/Vora3BKL.h"
-#include "backlight/Vora4BKL.h"
-#include "backlight/eCtl2BKL.h"
-#include "function/Family.h"
 #include "module/Status.h"
-
-Function* FuncBKL::instance() {
-    static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4BKL, Vora3BKL, eCtl2BKL>(remembered);
-}
 
 FuncBKL::FuncBKL()
     : GroupFamily(0x1050000, "Backlight",

@@ -3,11 +3,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "function/Family.h"
 #include "function/JsonHolder.h"
-#include "gpio/Vora3GPIO.h"
-#include "gpio/Vora4GPIO.h"
-#include "gpio/eCtl2GPIO.h"
 #include "module/Status.h"
 
 namespace {
@@ -24,11 +20,6 @@ json_t* PinItem(const char* label, json_int_t value, uint32_t max, uint32_t min,
 }
 
 }  // namespace
-
-Function* FuncGPIO::instance() {
-    static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4GPIO, Vora3GPIO, eCtl2GPIO>(remembered);
-}
 
 FuncGPIO::FuncGPIO()
     : GroupFamily(0x1040000, "GPIO",

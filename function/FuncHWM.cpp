@@ -3,16 +3,7 @@
 #include <cstdio>
 #include <memory>
 
-#include "function/Family.h"
 #include "module/Status.h"
-#include "hwm/Vora3HWM.h"
-#include "hwm/Vora4HWM.h"
-#include "hwm/eCtl2HWM.h"
-
-Function* FuncHWM::instance() {
-    static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4HWM, Vora3HWM, eCtl2HWM>(remembered);
-}
 
 FuncHWM::FuncHWM()
     : GroupFamily(0x1020000, "Hardware Monitor",

@@ -4,15 +4,7 @@
 
 #include "function/Family.h"
 #include "function/JsonHolder.h"
-#include "info/Vora3INFO.h"
-#include "info/Vora4INFO.h"
-#include "info/eCtl2INFO.h"
 #include "module/Status.h"
-
-Function* FuncINFO::instance() {
-    static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4INFO, Vora3INFO, eCtl2INFO>(remembered);
-}
 
 FuncINFO::FuncINFO() : Function(0x1010000, "Platform Information") {}
 

@@ -1,12 +1,5 @@
 #include "FuncNetwork.h"
 
-#include "function/Family.h"
-#include "network/Vora4Network.h"
-
-Function* FuncNetwork::instance() {
-    static Function* remembered = nullptr;
-    return voradrv::CreateForLibrary<Vora4Network, void, void>(remembered);
-}
 
 FuncNetwork::FuncNetwork()
     : GroupFamily(0x10B0000, "OOB-Network",

@@ -17,7 +17,7 @@ constexpr unsigned int kNameSize = 32;
 // 32) of the mask, or 0xFFFFFFFF when the library cannot answer.
 uint32_t PinCap(unsigned pin, unsigned int item) {
     unsigned int mask = 0;
-    if (VORA4Handle::instance()->mVoraGPIOGetCaps(kBankBase + pin / 32, item, &mask) !=
+    if (VORA4Handle::mVoraGPIOGetCaps(kBankBase + pin / 32, item, &mask) !=
         STATUS_SUCCESS) {
         return 0xFFFFFFFF;
     }
@@ -31,9 +31,9 @@ Vora4GPIO::Vora4GPIO() {
     for (unsigned bank = 0; bank < 4; ++bank) {
         unsigned int inputs = 0;
         unsigned int outputs = 0;
-        if (VORA4Handle::instance()->mVoraGPIOGetCaps(kBankBase + bank, 0, &inputs) ==
+        if (VORA4Handle::mVoraGPIOGetCaps(kBankBase + bank, 0, &inputs) ==
                 STATUS_SUCCESS &&
-            VORA4Handle::instance()->mVoraGPIOGetCaps(kBankBase + bank, 1, &outputs) ==
+            VORA4Handle::mVoraGPIOGetCaps(kBankBase + bank, 1, &outputs) ==
                 STATUS_SUCCESS) {
             pinMask[bank] = inputs | outputs;
         }
@@ -54,7 +54,7 @@ void Vora4GPIO::createIPSOGPIOPackage() {
         char name[kNameSize] = {};
         unsigned int length = kNameSize;
         const uint32_t status =
-            VORA4Handle::instance()->mVoraBoardGetStringA(kPinNameBase | pin, name, &length);
+            VORA4Handle::mVoraBoardGetStringA(kPinNameBase | pin, name, &length);
         if (status == STATUS_SUCCESS) {
             name[kNameSize - 1] = '\0';  // whatever the library wrote
         } else if (status == STATUS_MORE_DATA) {
@@ -68,8 +68,8 @@ void Vora4GPIO::createIPSOGPIOPackage() {
         // A read the library cannot answer publishes 0.
         unsigned int direction = 0;
         unsigned int level = 0;
-        VORA4Handle::instance()->mVoraGPIOGetDirection(pin, 1, &direction);
-        VORA4Handle::instance()->mVoraGPIOGetLevel(pin, 1, &level);
+        VORA4Handle::mVoraGPIOGetDirection(pin, 1, &direction);
+        VORA4Handle::mVoraGPIOGetLevel(pin, 1, &level);
         if (!publishMappedPin(name, pin, direction, level, [&] { return getPinInputCap(pin); },
                               [&] { return getPinOutputCap(pin); })) {
             return;

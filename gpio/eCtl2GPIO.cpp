@@ -10,14 +10,13 @@ namespace {
 constexpr unsigned kPins = 8;
 constexpr unsigned int kNameSize = 16;
 
-ECTL2Handle* Library() { return ECTL2Handle::instance(); }
 
 // Both masks start at 0, so a call that fails without writing reports a pin
 // that can be neither.
 void DirectionCaps(unsigned pin, unsigned int& inputs, unsigned int& outputs) {
     inputs = 0;
     outputs = 0;
-    Library()->mEApiGPIOGetDirectionCaps(pin, &inputs, &outputs);
+    ECTL2Handle::mEApiGPIOGetDirectionCaps(pin, &inputs, &outputs);
 }
 
 }  // namespace
@@ -42,12 +41,12 @@ void eCtl2GPIO::createIPSOGPIOPackage() {
     for (unsigned pin = 0; pin < kPins; ++pin) {
         // A pin whose direction cannot be read is not there.
         unsigned int direction = 0;
-        if (Library()->mEApiGPIOGetDirection(pin, 1, &direction) != STATUS_SUCCESS) {
+        if (ECTL2Handle::mEApiGPIOGetDirection(pin, 1, &direction) != STATUS_SUCCESS) {
             continue;
         }
         // A level the library cannot answer publishes 0.
         unsigned int level = 0;
-        Library()->mEApiGPIOGetLevel(pin, 1, &level);
+        ECTL2Handle::mEApiGPIOGetLevel(pin, 1, &level);
         char name[kNameSize];
         std::snprintf(name, sizeof name, "GPIO%u", pin);
         if (!publishMappedPin(name, pin, direction, level, [&] { return getPinInputCap(pin); },

@@ -45,7 +45,7 @@ const char* const kOemNames[] = {"OEM0", "OEM1", "OEM2"};
 bool getHWMItemName(unsigned int libraryId, char* buffer) {
     std::fill(buffer, buffer + kNameSize, '\0');
     unsigned int length = kNameSize;
-    const uint32_t status = VORA4Handle::instance()->mVoraBoardGetStringA(libraryId, buffer, &length);
+    const uint32_t status = VORA4Handle::mVoraBoardGetStringA(libraryId, buffer, &length);
     if (status == STATUS_SUCCESS) {
         buffer[kNameSize - 1] = '\0';  // whatever the library wrote
         return false;
@@ -108,7 +108,7 @@ void Vora4HWM::buildGroup(int index) {
     for (unsigned p = 0; p < group.count; ++p) {
         const unsigned int libraryId = group.libraryBase + p;
         unsigned int raw = 0;
-        if (VORA4Handle::instance()->mVoraBoardGetValue(libraryId, &raw) != STATUS_SUCCESS) {
+        if (VORA4Handle::mVoraBoardGetValue(libraryId, &raw) != STATUS_SUCCESS) {
             continue;
         }
         const uint32_t id = group.sensors.itemBase + p;

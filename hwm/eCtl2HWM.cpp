@@ -7,8 +7,6 @@
 
 namespace {
 
-ECTL2Handle* Library() { return ECTL2Handle::instance(); }
-
 // The library's answer for a sensor the board has.
 constexpr unsigned int kPresent = 1;
 
@@ -85,13 +83,13 @@ void eCtl2HWM::buildGroup(int index) {
             // without writing must not let the previous sensor's reading (a 1)
             // make this one present.
             unsigned int v = 0;
-            Library()->mEApiHWMGetCaps(libraryId, &v);
+            ECTL2Handle::mEApiHWMGetCaps(libraryId, &v);
             if (v != kPresent) {
                 continue;
             }
             // The reading's status is not looked at: a failed reading
             // publishes what the variable holds, the capability answer.
-            Library()->mEApiBoardGetValue(libraryId, &v);
+            ECTL2Handle::mEApiBoardGetValue(libraryId, &v);
             // Blocks share the slot's item id; the last block found wins.
             const uint32_t id = group.sensors.itemBase + slot;
             idtoLibIDMap[id] = libraryId;

@@ -24,7 +24,7 @@ constexpr StringRules kStringRules = {kStringSize, false, false, false};
 uint32_t ReadString(unsigned int id, char* buffer) {
     std::fill(buffer, buffer + kStringSize + 1, '\0');
     unsigned int length = kStringSize;
-    return VORA4Handle::instance()->mVoraBoardGetStringA(id, buffer, &length);
+    return VORA4Handle::mVoraBoardGetStringA(id, buffer, &length);
 }
 
 }  // namespace

@@ -146,13 +146,13 @@ uint32_t Uninitialize() {
     DeleteBlocks();
     // The library stays loaded until the process ends.
     if (VORA4Handle::instance()->Avaliable()) {
-        return VORA4Handle::instance()->mVoraLibUninitialize();
+        return VORA4Handle::mVoraLibUninitialize();
     }
     if (VORA3Handle::instance()->Avaliable()) {
-        return VORA3Handle::instance()->mVoraDllUnInit();
+        return VORA3Handle::mVoraDllUnInit();
     }
     if (ECTL2Handle::instance()->Avaliable()) {
-        return ECTL2Handle::instance()->mEApiLibUnInitialize();
+        return ECTL2Handle::mEApiLibUnInitialize();
     }
     return STATUS_UNSUPPORTED;
 }

@@ -14,7 +14,7 @@ namespace {
 // The words of board value `id`, zeroed first; see kMaxWords for the size.
 uint32_t ReadWords(unsigned int id, Words& words) {
     words.fill(0);
-    return VORA4Handle::instance()->mVoraBoardGetValue(id, words.data());
+    return VORA4Handle::mVoraBoardGetValue(id, words.data());
 }
 
 // vsnprintf into `out` of `len` bytes, with out[len - 1] zero in any case.

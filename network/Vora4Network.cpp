@@ -43,7 +43,7 @@ uint32_t ReadText(uint32_t boardValueId, Form form, Text& text) {
 // the library fills the id's whole word array; only word 0 is meant.
 uint32_t ReadNumber(uint32_t boardValueId, unsigned int& number) {
     Words words{};
-    const uint32_t status = VORA4Handle::instance()->mVoraBoardGetValue(boardValueId, words.data());
+    const uint32_t status = VORA4Handle::mVoraBoardGetValue(boardValueId, words.data());
     number = words[0];
     return status;
 }
@@ -172,7 +172,7 @@ uint32_t Vora4Network::VoraIoTSetMDValue(uint32_t id, json_t* value) {
     if (json_is_integer(value)) {
         // Cut to 32 bits.
         words[0] = static_cast<unsigned int>(json_integer_value(value));
-        return VORA4Handle::instance()->mVoraBoardSetValue(boardValueId, words.data());
+        return VORA4Handle::mVoraBoardSetValue(boardValueId, words.data());
     }
     // Neither an integer nor a string (a null pointer included) gives
     // nothing to write: refused, and the board is not called.
@@ -198,5 +198,5 @@ uint32_t Vora4Network::VoraIoTSetMDValue(uint32_t id, json_t* value) {
         // No string form to write: accepted without effect.
         return STATUS_SUCCESS;
     }
-    return VORA4Handle::instance()->mVoraBoardSetValue(boardValueId, words.data());
+    return VORA4Handle::mVoraBoardSetValue(boardValueId, words.data());
 }
