@@ -15,29 +15,18 @@ namespace {
     std::exit(1);
 }
 
-template <typename Fn>
-Fn Bind(void* handle, const char* name) {
-    void* address = ::dlsym(handle, name);
-    if (address == nullptr) {
-        Fail(std::string("the module lacks ") + name);
-    }
-    return reinterpret_cast<Fn>(address);
-}
-
 }  // namespace
 
-const Module& LoadModule() {
-    static const Module module = [] {
-        void* handle = ::dlopen(VBENCH_MODULE, RTLD_NOW | RTLD_LOCAL);
-        if (handle == nullptr) {
-            Fail(std::string("cannot load the module: ") + ::dlerror());
+Module& LoadModule() {
+    // Kept for the life of the process, as a host keeps its module.
+    static Module* module = [] {
+        try {
+            return new Module(VBENCH_MODULE);
+        } catch (const voradrv::host::LoadError& e) {
+            Fail(e.what());
         }
-        return Module{Bind<VoraIoTInitialize_fn>(handle, "VoraIoTInitialize"),
-                      Bind<VoraIoTUninitialize_fn>(handle, "VoraIoTUninitialize"),
-                      Bind<VoraIoTGetMDCapability_fn>(handle, "VoraIoTGetMDCapability"),
-                      Bind<VoraIoTGetMDValue_fn>(handle, "VoraIoTGetMDValue")};
     }();
-    return module;
+    return *module;
 }
 
 void* BoardFunction(const char* library, const char* name) {

@@ -5,20 +5,15 @@
 // sim/run-simulated).
 #pragma once
 
-#include "voradrv.h"
+#include "ModuleHost.h"
 
 namespace vbench {
 
-struct Module {
-    VoraIoTInitialize_fn initialize;
-    VoraIoTUninitialize_fn uninitialize;
-    VoraIoTGetMDCapability_fn getCapability;
-    VoraIoTGetMDValue_fn getValue;
-};
+using Module = voradrv::host::ModuleHost;
 
 // The module built beside the benchmarks; exits the program with a message
 // when it cannot be opened.
-const Module& LoadModule();
+Module& LoadModule();
 
 // Function `name` of the board library the module probes first at
 // /usr/lib, `library` ("libVORA-4.00"); exits with a message when missing.

@@ -45,9 +45,9 @@ void Measure(benchmark::State& state, Call call) {
 
 // A read of item `id` through the module into a host value made by `make`.
 void ModuleRead(benchmark::State& state, uint32_t id, json_t* (*make)()) {
-    const vbench::Module& module = vbench::LoadModule();
+    vbench::Module& module = vbench::LoadModule();
     json_t* value = make();
-    Measure(state, [&] { return module.getValue(id, value); });
+    Measure(state, [&] { return module.get(id, value); });
     json_decref(value);
 }
 
@@ -101,10 +101,10 @@ void RegisterReads() {
 
     // The whole capability document copied into a fresh host object.
     RegisterBenchmark("Capability", [](State& state) {
-        const vbench::Module& module = vbench::LoadModule();
+        vbench::Module& module = vbench::LoadModule();
         Measure(state, [&] {
             json_t* capability = json_object();
-            const uint32_t status = module.getCapability(capability);
+            const uint32_t status = module.capability(capability);
             json_decref(capability);
             return status;
         });
@@ -120,7 +120,7 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
     }
-    const vbench::Module& module = vbench::LoadModule();
+    vbench::Module& module = vbench::LoadModule();
     const uint32_t status = module.initialize();
     if (status != VORADRV_STATUS_SUCCESS) {
         std::fprintf(stderr, "bench_read: initialise failed (0x%08X)\n", status);

@@ -93,5 +93,9 @@ int main(int argc, char** argv) {
         std::fflush(stdout);
         std::fprintf(stderr, "voractl: %s\n", e.what());
         return e.usage() ? 2 : 1;
+    } catch (const voradrv::host::LoadError& e) {
+        std::fflush(stdout);
+        std::fprintf(stderr, "voractl: %s\n", e.what());
+        return 1;
     }
 }
