@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs each fuzz target for a bounded time on its seed corpus.
+# Runs the fuzz target for a bounded time on its seed corpus.
 #   fuzz.sh [BUILD_DIR [SECONDS]]      (defaults: build-fuzz, 30)
 # BUILD_DIR is configured with CC=clang CXX=clang++ and -DVORADRV_FUZZ=ON and
-# has the targets built (see fuzz/CMakeLists.txt). New inputs go to a
+# has the target built (see fuzz/CMakeLists.txt). New inputs go to a
 # scratch directory, not into fuzz/corpus/; a finding stops the run with the
 # input saved there and a non-zero exit status.
 set -euo pipefail
@@ -30,6 +30,5 @@ run() {
     grep -E '^(#[0-9]+.*DONE|stat::number_of_executed_units|Done )' "$scratch/$target.log" || true
 }
 
-run fuzz_address_check address_check
 # The set path reaches the simulated board through the path redirection.
 run fuzz_network_set network_set "$build/sim/run-simulated" --

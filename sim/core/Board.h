@@ -95,6 +95,7 @@ struct Fault {
     std::optional<uint32_t> length;    // reported as a text's length
     bool unterminated = false;         // text fills the buffer without a terminator
     std::optional<unsigned> times;     // fires this many times, then is gone
+    unsigned after = 0;                // lets this many matching calls pass first
 
     // True when the fault only changes the status: the call then returns it
     // at once and leaves the board and every output alone.

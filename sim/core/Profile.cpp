@@ -416,7 +416,7 @@ void ParseNetwork(const Node& n, Board& board) {
 }
 
 Fault ParseFaultNode(const Node& f) {
-    f.object({"function", "arg", "status", "value", "length", "unterminated", "times"});
+    f.object({"function", "arg", "status", "value", "length", "unterminated", "times", "after"});
     Fault fault;
     if (!f.member("function").present()) {
         f.fail("missing \"function\"");
@@ -439,6 +439,9 @@ Fault ParseFaultNode(const Node& f) {
     }
     if (f.member("times").present()) {
         fault.times = f.member("times").u32();
+    }
+    if (f.member("after").present()) {
+        fault.after = f.member("after").u32();
     }
     if (fault.statusOnly() && !fault.status) {
         f.fail("a fault needs \"status\", \"value\", \"length\" or \"unterminated\"");

@@ -102,6 +102,10 @@ std::optional<Fault> Sim::takeFault(const char* function, std::optional<uint32_t
         if (it->function != function || (it->arg && (!key || *it->arg != *key))) {
             continue;
         }
+        if (it->after > 0) {
+            --it->after;
+            continue;
+        }
         Fault fault = *it;
         if (it->times && --*it->times == 0) {
             faults_.erase(it);
