@@ -48,10 +48,7 @@ extern "C" {
 
 uint32_t EApiLibInitialize(void) {
     Call call("EApiLibInitialize");
-    if (call.failsNow()) {
-        return call.status();
-    }
-    return call.result(call.sim().usable() ? kOk : kUnsupported);
+    return Initialise(call, kOk, kUnsupported);
 }
 
 uint32_t EApiLibUnInitialize(void) {
@@ -61,17 +58,7 @@ uint32_t EApiLibUnInitialize(void) {
 
 uint32_t EApiBoardGetStringA(unsigned int id, char* buffer, unsigned int* length) {
     Call call("EApiBoardGetStringA", id);
-    if (length != nullptr) {
-        call.note("size", *length);
-    }
-    if (call.failsNow()) {
-        return call.status();
-    }
-    const std::string* text = id < 7 ? call.board().text(kStringKeys[id]) : nullptr;
-    if (text == nullptr) {
-        return call.result(kUnsupported);
-    }
-    return call.text(*text, buffer, length, kOk, kMoreData);
+    return BoardText(call, id < 7 ? call.board().text(kStringKeys[id]) : nullptr, buffer, length);
 }
 
 uint32_t EApiBoardGetValue(unsigned int id, unsigned int* value) {
@@ -83,13 +70,7 @@ uint32_t EApiBoardGetValue(unsigned int id, unsigned int* value) {
         return call.result(kInvalidParameter);
     }
     const Board& board = call.board();
-    const uint32_t* known = nullptr;
-    if (id < 5) {
-        known = board.value(kValueKeys[id]);
-    } else if (id >= 0x10000 && id <= 0x10002) {
-        known = board.value(kVersionKeys[id - 0x10000]);
-    }
-    if (known != nullptr) {
+    if (const uint32_t* known = BoardValue(board, id, 5)) {
         call.out(value, *known);
         return call.result(kOk);
     }
@@ -131,25 +112,21 @@ uint32_t EApiGPIOGetDirectionCaps(unsigned int id, unsigned int* inputs, unsigne
 
 uint32_t EApiGPIOGetDirection(unsigned int id, unsigned int mask, unsigned int* direction) {
     Call call("EApiGPIOGetDirection", id);
-    call.note("mask", mask);
     return GetPinDirection(call, id, mask, direction);
 }
 
 uint32_t EApiGPIOGetLevel(unsigned int id, unsigned int mask, unsigned int* level) {
     Call call("EApiGPIOGetLevel", id);
-    call.note("mask", mask);
     return GetPinLevel(call, id, mask, level);
 }
 
 uint32_t EApiGPIOSetDirection(unsigned int id, unsigned int mask, unsigned int direction) {
     Call call("EApiGPIOSetDirection", id);
-    call.note("mask", mask).note("direction", direction);
     return SetPinDirection(call, id, mask, direction);
 }
 
 uint32_t EApiGPIOSetLevel(unsigned int id, unsigned int mask, unsigned int level) {
     Call call("EApiGPIOSetLevel", id);
-    call.note("mask", mask).note("level", level);
     return SetPinLevel(call, id, mask, level);
 }
 
@@ -160,39 +137,17 @@ uint32_t EApiVgaGetBacklightBrightness(unsigned int id, unsigned int* brightness
 
 uint32_t EApiVgaSetBacklightBrightness(unsigned int id, unsigned int brightness) {
     Call call("EApiVgaSetBacklightBrightness", id);
-    call.note("value", brightness);
     return SetPanelBrightness(call, id, brightness);
 }
 
 uint32_t EApiVgaGetBacklightEnable(unsigned int id, unsigned int* enable) {
     Call call("EApiVgaGetBacklightEnable", id);
-    if (call.failsNow()) {
-        return call.status();
-    }
-    const Panel* panel = call.board().panel(id);
-    if (panel == nullptr || !panel->enable || enable == nullptr) {
-        return call.result(kUnsupported);
-    }
-    call.out(enable, *panel->enable ? kBacklightOn : kBacklightOff);
-    return call.result(kOk);
+    return GetPanelEnable(call, id, enable, kBacklightOn, kBacklightOff);
 }
 
 uint32_t EApiVgaSetBacklightEnable(unsigned int id, unsigned int enable) {
     Call call("EApiVgaSetBacklightEnable", id);
-    call.note("value", enable);
-    if (call.failsNow()) {
-        return call.status();
-    }
-    Panel* panel = call.board().panel(id);
-    if (panel == nullptr || !panel->enable) {
-        return call.result(kUnsupported);
-    }
-    if (enable != kBacklightOn && enable != kBacklightOff) {
-        return call.result(kInvalidParameter);
-    }
-    panel->enable = enable == kBacklightOn;
-    call.changed();
-    return call.result(kOk);
+    return SetPanelEnable(call, id, enable, kBacklightOn, kBacklightOff);
 }
 
 }  // extern "C"

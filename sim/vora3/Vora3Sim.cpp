@@ -7,8 +7,10 @@
 // input). The display calls address the board's first panel.
 #include <cmath>
 #include <string>
+#include <type_traits>
 
 #include "binding/Vora3Library.h"
+#include "sim/core/Devices.h"
 #include "sim/core/Sim.h"
 #include "sim/core/Units.h"
 
@@ -69,16 +71,52 @@ unsigned PinCount(const Board& board) {
     return count;
 }
 
+// Turns the screen on or off.
+uint32_t SetScreen(Call& call, bool on) {
+    if (call.failsNow()) {
+        return call.status();
+    }
+    Panel* screen = Screen(call.board());
+    if (screen == nullptr) {
+        return call.result(kV3Failed);
+    }
+    screen->enable = on;
+    call.changed();
+    return call.result(kV3Ok);
+}
+
+// A sensor reading: the support mask of its kind (`bits` wide) first, then,
+// for a one-bit `id`, the sensor's value; `id` 0 asks for the mask alone.
+template <typename Value, typename Mask>
+uint32_t ReadSensor(Call& call, SensorKind kind, unsigned bits, uint32_t id, Value* value,
+                    Mask* mask) {
+    if (call.failsNow()) {
+        return call.status();
+    }
+    call.out(mask, static_cast<Mask>(SupportMask(call.board(), kind, bits)));
+    if (id == 0) {
+        return call.result(kV3Ok);
+    }
+    const Sensor* sensor = SensorOfMask(call.board(), kind, id);
+    if (sensor == nullptr) {
+        return call.result(kV3Failed);
+    }
+    if constexpr (std::is_floating_point_v<Value>) {
+        call.out(value, static_cast<Value>(call.sim().sensorValue(*sensor)));
+    } else {
+        const double rpm = sensor->raw ? *sensor->raw : call.sim().sensorValue(*sensor);
+        call.out(value, static_cast<Value>(std::lround(rpm)));
+    }
+    return call.result(kV3Ok);
+}
+
 }  // namespace
 
 extern "C" {
 
 uint32_t VoraDllInit(void) {
     Call call("VoraDllInit");
-    if (call.failsNow()) {
-        return call.status();
-    }
-    return call.result(call.sim().usable() ? kV3Ok : kV3Failed);
+    return Initialise(call, kV3Ok, kV3Failed);
 }
 
 uint32_t VoraDllUnInit(void) {
@@ -110,54 +148,17 @@ void VoraDllGetVersion(unsigned int* major, unsigned int* minor) {
 
 uint32_t VoraHWMGetVoltage(unsigned int id, float* value, unsigned int* mask) {
     Call call("VoraHWMGetVoltage", id);
-    if (call.failsNow()) {
-        return call.status();
-    }
-    call.out(mask, SupportMask(call.board(), kVoltage, 32));
-    if (id == 0) {
-        return call.result(kV3Ok);
-    }
-    const Sensor* sensor = SensorOfMask(call.board(), kVoltage, id);
-    if (sensor == nullptr) {
-        return call.result(kV3Failed);
-    }
-    call.out(value, static_cast<float>(call.sim().sensorValue(*sensor)));
-    return call.result(kV3Ok);
+    return ReadSensor(call, kVoltage, 32, id, value, mask);
 }
 
 uint32_t VoraHWMGetFanSpeed(unsigned short id, unsigned short* value, unsigned short* mask) {
     Call call("VoraHWMGetFanSpeed", id);
-    if (call.failsNow()) {
-        return call.status();
-    }
-    call.out(mask, static_cast<unsigned short>(SupportMask(call.board(), kFan, 16)));
-    if (id == 0) {
-        return call.result(kV3Ok);
-    }
-    const Sensor* sensor = SensorOfMask(call.board(), kFan, id);
-    if (sensor == nullptr) {
-        return call.result(kV3Failed);
-    }
-    const double rpm = sensor->raw ? *sensor->raw : call.sim().sensorValue(*sensor);
-    call.out(value, static_cast<unsigned short>(std::lround(rpm)));
-    return call.result(kV3Ok);
+    return ReadSensor(call, kFan, 16, id, value, mask);
 }
 
 uint32_t VoraHWMGetTemperature(unsigned short id, float* value, unsigned short* mask) {
     Call call("VoraHWMGetTemperature", id);
-    if (call.failsNow()) {
-        return call.status();
-    }
-    call.out(mask, static_cast<unsigned short>(SupportMask(call.board(), kTemperature, 16)));
-    if (id == 0) {
-        return call.result(kV3Ok);
-    }
-    const Sensor* sensor = SensorOfMask(call.board(), kTemperature, id);
-    if (sensor == nullptr) {
-        return call.result(kV3Failed);
-    }
-    call.out(value, static_cast<float>(call.sim().sensorValue(*sensor)));
-    return call.result(kV3Ok);
+    return ReadSensor(call, kTemperature, 16, id, value, mask);
 }
 
 uint32_t VoraIOQueryMask(unsigned int selector, unsigned int* mask) {
@@ -278,30 +279,12 @@ uint32_t VoraVCGetBright(unsigned char* brightness) {
 
 uint32_t VoraVCScreenOn(void) {
     Call call("VoraVCScreenOn");
-    if (call.failsNow()) {
-        return call.status();
-    }
-    Panel* screen = Screen(call.board());
-    if (screen == nullptr) {
-        return call.result(kV3Failed);
-    }
-    screen->enable = true;
-    call.changed();
-    return call.result(kV3Ok);
+    return SetScreen(call, true);
 }
 
 uint32_t VoraVCScreenOff(void) {
     Call call("VoraVCScreenOff");
-    if (call.failsNow()) {
-        return call.status();
-    }
-    Panel* screen = Screen(call.board());
-    if (screen == nullptr) {
-        return call.result(kV3Failed);
-    }
-    screen->enable = false;
-    call.changed();
-    return call.result(kV3Ok);
+    return SetScreen(call, false);
 }
 
 uint32_t VoraVCSetBright(unsigned char brightness) {

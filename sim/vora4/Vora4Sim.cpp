@@ -76,10 +76,7 @@ extern "C" {
 
 uint32_t VoraLibInitialize(void) {
     Call call("VoraLibInitialize");
-    if (call.failsNow()) {
-        return call.status();
-    }
-    return call.result(call.sim().usable() ? kOk : kUnsupported);
+    return Initialise(call, kOk, kUnsupported);
 }
 
 uint32_t VoraLibUninitialize(void) {
@@ -89,17 +86,7 @@ uint32_t VoraLibUninitialize(void) {
 
 uint32_t VoraBoardGetStringA(unsigned int id, char* buffer, unsigned int* length) {
     Call call("VoraBoardGetStringA", id);
-    if (length != nullptr) {
-        call.note("size", *length);
-    }
-    if (call.failsNow()) {
-        return call.status();
-    }
-    const std::string* text = Text(call.board(), id);
-    if (text == nullptr) {
-        return call.result(kUnsupported);
-    }
-    return call.text(*text, buffer, length, kOk, kMoreData);
+    return BoardText(call, Text(call.board(), id), buffer, length);
 }
 
 uint32_t VoraBoardGetValue(unsigned int id, unsigned int* value) {
@@ -111,13 +98,7 @@ uint32_t VoraBoardGetValue(unsigned int id, unsigned int* value) {
         return call.result(kInvalidParameter);
     }
     Board& board = call.board();
-    const uint32_t* known = nullptr;
-    if (id < 7) {
-        known = board.value(kValueKeys[id]);
-    } else if (id >= 0x10000 && id <= 0x10002) {
-        known = board.value(kVersionKeys[id - 0x10000]);
-    }
-    if (known != nullptr) {
+    if (const uint32_t* known = BoardValue(board, id, 7)) {
         call.out(value, *known);
         return call.result(kOk);
     }
@@ -196,25 +177,21 @@ uint32_t VoraGPIOGetCaps(unsigned int id, unsigned int item, unsigned int* value
 
 uint32_t VoraGPIOGetDirection(unsigned int id, unsigned int mask, unsigned int* direction) {
     Call call("VoraGPIOGetDirection", id);
-    call.note("mask", mask);
     return GetPinDirection(call, id, mask, direction);
 }
 
 uint32_t VoraGPIOSetDirection(unsigned int id, unsigned int mask, unsigned int direction) {
     Call call("VoraGPIOSetDirection", id);
-    call.note("mask", mask).note("direction", direction);
     return SetPinDirection(call, id, mask, direction);
 }
 
 uint32_t VoraGPIOGetLevel(unsigned int id, unsigned int mask, unsigned int* level) {
     Call call("VoraGPIOGetLevel", id);
-    call.note("mask", mask);
     return GetPinLevel(call, id, mask, level);
 }
 
 uint32_t VoraGPIOSetLevel(unsigned int id, unsigned int mask, unsigned int level) {
     Call call("VoraGPIOSetLevel", id);
-    call.note("mask", mask).note("level", level);
     return SetPinLevel(call, id, mask, level);
 }
 
@@ -295,33 +272,12 @@ uint32_t VoraVgaSetPolarity(unsigned int id, unsigned int polarity) {
 
 uint32_t VoraVgaGetBacklightEnable(unsigned int id, unsigned int* enable) {
     Call call("VoraVgaGetBacklightEnable", id);
-    if (call.failsNow()) {
-        return call.status();
-    }
-    const Panel* panel = call.board().panel(id);
-    if (panel == nullptr || !panel->enable || enable == nullptr) {
-        return call.result(kUnsupported);
-    }
-    call.out(enable, *panel->enable ? 1u : 0u);
-    return call.result(kOk);
+    return GetPanelEnable(call, id, enable, 1, 0);
 }
 
 uint32_t VoraVgaSetBacklightEnable(unsigned int id, unsigned int enable) {
     Call call("VoraVgaSetBacklightEnable", id);
-    call.note("value", enable);
-    if (call.failsNow()) {
-        return call.status();
-    }
-    Panel* panel = call.board().panel(id);
-    if (panel == nullptr || !panel->enable) {
-        return call.result(kUnsupported);
-    }
-    if (enable > 1) {
-        return call.result(kInvalidParameter);
-    }
-    panel->enable = enable == 1;
-    call.changed();
-    return call.result(kOk);
+    return SetPanelEnable(call, id, enable, 1, 0);
 }
 
 uint32_t VoraVgaGetBacklightBrightness(unsigned int id, unsigned int* brightness) {
@@ -331,7 +287,6 @@ uint32_t VoraVgaGetBacklightBrightness(unsigned int id, unsigned int* brightness
 
 uint32_t VoraVgaSetBacklightBrightness(unsigned int id, unsigned int brightness) {
     Call call("VoraVgaSetBacklightBrightness", id);
-    call.note("value", brightness);
     return SetPanelBrightness(call, id, brightness);
 }
 
