@@ -1,6 +1,8 @@
 #!/usr/bin/env bash
-# The main job: builds everything, then shows the simulated fourth-generation
-# board through voractl, the way a host sees it through the module.
+# The main job: installs what building needs, builds the module, the
+# simulator and voractl (no test program), then shows the simulated
+# fourth-generation board through voractl, the way a host sees it through
+# the module.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 ./scripts/build.sh >/dev/null

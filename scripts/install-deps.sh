@@ -1,13 +1,19 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the build and the tests need, when missing.
-#   install-deps.sh [EXTRA_PACKAGE...]
-# promtool (package prometheus) checks voractl's Prometheus export, and
-# prometheus-node-exporter serves it in an end-to-end test; where systemd
-# runs, installing them starts their services.
+# Installs the Debian packages a job needs, when missing.
+#   install-deps.sh [--tests] [EXTRA_PACKAGE...]
+# Without --tests: what building the module, the simulator and voractl
+# needs. With --tests, also what only the tests use: GoogleTest; promtool
+# (package prometheus), which checks voractl's Prometheus export, and
+# prometheus-node-exporter, which serves it in an end-to-end test (where
+# systemd runs, installing them starts their services).
 set -euo pipefail
 
-packages=(cmake g++ make pkg-config binutils libjansson-dev googletest libgtest-dev libgmock-dev
-          prometheus prometheus-node-exporter "$@")
+packages=(cmake g++ make pkg-config libjansson-dev)
+if [ "${1:-}" = --tests ]; then
+    shift
+    packages+=(binutils googletest libgtest-dev libgmock-dev prometheus prometheus-node-exporter)
+fi
+packages+=("$@")
 missing=()
 for package in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||

@@ -3,7 +3,7 @@
 # uninitialise cycles on the largest simulated board of each library
 # generation, with the heap and resident memory at cycle 100 and at the end.
 #   soak.sh [BUILD_DIR [CYCLES]]      (defaults: build, 10000)
-# BUILD_DIR is a configured and built tree (./scripts/build.sh makes build/).
+# BUILD_DIR is a configured and built tree (./scripts/build.sh --tests makes build/).
 # CI runs fewer cycles as part of the test suite (tests lifecycle_soak.*).
 set -euo pipefail
 cd "$(dirname "$0")/.."
