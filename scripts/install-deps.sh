@@ -2,8 +2,9 @@
 # Installs the Debian packages a job needs, when missing.
 #   install-deps.sh [--tests] [EXTRA_PACKAGE...]
 # Without --tests: what building the module, the simulator and voractl
-# needs. With --tests, also what only the tests use: GoogleTest; promtool
-# (package prometheus), which checks voractl's Prometheus export, and
+# needs. With --tests, also what only the tests use: GoogleTest; cram
+# (python3-cram), which runs voractl's transcripts; promtool (package
+# prometheus), which checks voractl's Prometheus export, and
 # prometheus-node-exporter, which serves it in an end-to-end test (where
 # systemd runs, installing them starts their services).
 set -euo pipefail
@@ -11,7 +12,8 @@ set -euo pipefail
 packages=(cmake g++ make pkg-config libjansson-dev)
 if [ "${1:-}" = --tests ]; then
     shift
-    packages+=(binutils googletest libgtest-dev libgmock-dev prometheus prometheus-node-exporter)
+    packages+=(binutils googletest libgtest-dev libgmock-dev python3-cram prometheus
+               prometheus-node-exporter)
 fi
 packages+=("$@")
 missing=()

@@ -41,6 +41,12 @@ expect '"Hardware Monitor/Voltage|"Hardware Monitor/Voltage/VCORE|"Hardware Moni
 expect 'GPIO/DO0|GPIO/DO0/Dir|GPIO/DO0/Level|GPIO/DO1|GPIO/DO1/Dir|GPIO/DO1/Level' \
     --sim watch GPIO/DO
 expect "" --sim set GPIO/DO1/Level ""
+# set offers only what can be set, after its options too, and a further
+# NAME=VALUE after one.
+expect "GPIO/DO0/Level|GPIO/DO1/Level" --sim set --json GPIO/DO
+expect "GPIO/DO1/Level" --sim set GPIO/DO0/Level=0 GPIO/DO1/L
+expect "Backlight/LVDS/Brightness" --sim set --force --type int Backlight/LVDS/Br
+expect "info" --sim i
 expect "" --sim --sim-generation 7 get V
 
 if [[ $failures -gt 0 ]]; then

@@ -1,7 +1,6 @@
 #include "Commands.h"
 
-#include <cerrno>
-#include <cstdlib>
+#include <map>
 
 #include "Format.h"
 #include "Reading.h"
@@ -11,29 +10,6 @@ namespace voractl {
 
 namespace {
 
-JsonPtr ParseValue(const Item& item, const std::string& text) {
-    char* end = nullptr;
-    errno = 0;
-    switch (item.type) {
-        case JSON_REAL: {
-            const double v = std::strtod(text.c_str(), &end);
-            if (text.empty() || *end != '\0' || errno != 0) {
-                throw ToolError("\"" + text + "\" is not a number", true);
-            }
-            return Own(json_real(v));
-        }
-        case JSON_STRING:
-            return Own(json_string(text.c_str()));
-        default: {
-            const long long v = std::strtoll(text.c_str(), &end, 0);
-            if (text.empty() || *end != '\0' || errno != 0) {
-                throw ToolError("\"" + text + "\" is not an integer", true);
-            }
-            return Own(json_integer(v));
-        }
-    }
-}
-
 JsonPtr RecordArray(const std::vector<Reading>& readings) {
     JsonPtr array = Own(json_array());
     for (const Reading& reading : readings) {
@@ -42,39 +18,116 @@ JsonPtr RecordArray(const std::vector<Reading>& readings) {
     return array;
 }
 
+// "libVORA-4.00 (fourth generation), /usr/lib/libVORA-4.00.so".
+std::string LibraryText(const Session& session) {
+    const auto& library = session.library();
+    if (!library) {
+        return "none found";
+    }
+    return library->name + " (" + GenerationText(library->generation) + "), " + library->path;
+}
+
+// The items of the selectors; every item without any.
+std::vector<Item> Chosen(Context& context) {
+    const std::vector<std::string>& selectors = context.options.arguments;
+    return selectors.empty() ? context.session.items()
+                             : SelectAll(context.session.items(), selectors);
+}
+
 }  // namespace
 
+int Info(Context& context) {
+    Session& session = context.session;
+    std::map<std::string, int> counts;
+    std::vector<std::string> blocks;
+    for (const Item& item : session.items()) {
+        if (counts[item.block]++ == 0) {
+            blocks.push_back(item.block);
+        }
+    }
+    const std::string version = session.modulePath() == DefaultModulePath() ? VORACTL_VERSION : "unknown";
+    const auto& library = session.library();
+    if (context.options.json) {
+        JsonPtr items = Own(json_object());
+        for (const std::string& block : blocks) {
+            json_object_set_new(items.get(), block.c_str(), json_integer(counts[block]));
+        }
+        JsonPtr info = Own(json_pack(
+            "{s:{s:s, s:s}, s:o, s:O}", "module", "path", session.modulePath().c_str(), "version",
+            version.c_str(), "board_library",
+            library ? json_pack("{s:s, s:s, s:s}", "path", library->path.c_str(), "name",
+                                library->name.c_str(), "generation", library->generation.c_str())
+                    : json_null(),
+            "items", items.get()));
+        PrintJson(context.out, info.get());
+        return 0;
+    }
+    std::fprintf(context.out, "Module         %s (version %s)\n", session.modulePath().c_str(),
+                 version.c_str());
+    std::fprintf(context.out, "Board library  %s\n", LibraryText(session).c_str());
+    for (const std::string& block : blocks) {
+        std::fprintf(context.out, "  %-22s %d item%s\n", block.c_str(), counts[block],
+                     counts[block] == 1 ? "" : "s");
+    }
+    return 0;
+}
+
 int Caps(Context& context) {
-    PrintJson(context.out, context.document);
+    PrintJson(context.out, context.session.document());
     return 0;
 }
 
 int List(Context& context) {
-    const std::vector<Reading> readings = ReadAll(context.module, context.items);
-    if (context.json) {
+    const std::vector<Item> items = Chosen(context);
+    const std::vector<Reading> readings = context.session.readAll(items);
+    if (context.options.json) {
         PrintJson(context.out, RecordArray(readings).get());
-        return 0;
+        return ReportFailures(readings);
     }
-    std::vector<TableRow> rows;
-    for (const Reading& reading : readings) {
-        rows.push_back(TableRow{reading.item, ShownValue(reading), !reading.value, false});
-    }
-    for (const std::string& line : ItemTable(rows, TableColumns{}, context.style)) {
+    std::fprintf(context.out, "%s\n",
+                 context.style.dim("Board library: " + LibraryText(context.session)).c_str());
+    TableColumns columns;
+    columns.limits = true;
+    columns.pins = !context.options.all;
+    for (const std::string& line : ItemTable(TableRows(readings), columns, context.style)) {
         std::fprintf(context.out, "%s\n", line.c_str());
     }
-    return 0;
+    return ReportFailures(readings);
 }
 
-int Get(Context& context, const std::vector<std::string>& selectors, const char* type) {
-    std::vector<Item> wanted;
-    for (const std::string& selector : selectors) {
-        wanted.push_back(FindItem(context.items, selector, type));
+int Get(Context& context) {
+    const Options& options = context.options;
+    // In the order asked for, each item once.
+    std::vector<Item> items;
+    for (const std::string& selector : options.arguments) {
+        for (const Item& item : Select(context.session.items(), selector, true, options.type).items) {
+            bool seen = false;
+            for (const Item& other : items) {
+                seen = seen || (other.id == item.id && other.path() == item.path());
+            }
+            if (!seen) {
+                items.push_back(item);
+            }
+        }
     }
-    const std::vector<Reading> readings = ReadAll(context.module, wanted);
-    if (context.json) {
+    if (options.type != nullptr) {
+        const json_type type = ParseType(options.type);
+        for (Item& item : items) {
+            // A number read as text, or text as a number, is another item's
+            // answer more often than this one's.
+            if (type != item.type && (type == JSON_STRING || item.type == JSON_STRING) &&
+                !item.block.empty() && !options.force) {
+                throw ToolError(item.path() + " is published as " +
+                                (item.type == JSON_STRING ? "text" : "a number") +
+                                "; --type " + options.type + " reads it only with --force");
+            }
+            item.type = type;
+        }
+    }
+    const std::vector<Reading> readings = context.session.readAll(items);
+    if (options.json) {
         JsonPtr array = RecordArray(readings);
-        PrintJson(context.out, readings.size() == 1 ? json_array_get(array.get(), 0)
-                                                    : array.get());
+        PrintJson(context.out, readings.size() == 1 ? json_array_get(array.get(), 0) : array.get());
         return ReportFailures(readings);
     }
     for (const Reading& reading : readings) {
@@ -86,29 +139,6 @@ int Get(Context& context, const std::vector<std::string>& selectors, const char*
         }
     }
     return ReportFailures(readings);
-}
-
-int Set(Context& context, const std::string& selector, const std::string& text, const char* type) {
-    const Item item = FindItem(context.items, selector, type);
-    JsonPtr value = ParseValue(item, text);
-    const uint32_t status = context.module.set(item.id, value.get());
-    if (status != VORADRV_STATUS_SUCCESS) {
-        if (context.json) {
-            Reading failed;
-            failed.item = &item;
-            failed.status = status;
-            PrintJson(context.out, Own(ReadingJson(failed)).get());
-        }
-        std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", item.path().c_str(),
-                     text.c_str(), StatusText(status).c_str());
-        return 1;
-    }
-    if (context.json) {
-        // The write took; a value that cannot be read back shows as null
-        // with its error.
-        PrintJson(context.out, Own(ReadingJson(Read(context.module, item))).get());
-    }
-    return 0;
 }
 
 }  // namespace voractl

@@ -1,5 +1,7 @@
 #include "Items.h"
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 
 #include "Format.h"
@@ -13,12 +15,17 @@ std::string Text(const json_t* object, const char* key) {
     return json_is_string(value) ? json_string_value(value) : "";
 }
 
+std::optional<double> Number(const json_t* object, const char* key) {
+    const json_t* value = json_object_get(object, key);
+    return json_is_number(value) ? std::optional<double>(json_number_value(value)) : std::nullopt;
+}
+
 void CollectGroup(const json_t* group, const std::string& block, const std::string& groupName,
                   std::vector<Item>& items) {
-    const json_t* elements = json_object_get(group, "e");
+    const size_t first = items.size();
     size_t i;
     const json_t* element;
-    json_array_foreach(elements, i, element) {
+    json_array_foreach(json_object_get(group, "e"), i, element) {
         Item item;
         item.id = static_cast<uint32_t>(json_integer_value(json_object_get(element, "id")));
         item.block = block;
@@ -35,11 +42,31 @@ void CollectGroup(const json_t* group, const std::string& block, const std::stri
                 break;
             }
         }
-        item.unit = json_object_get(element, "u") != nullptr ? Text(element, "u")
-                                                             : Text(group, "bu");
+        item.unit = json_object_get(element, "u") != nullptr ? Text(element, "u") : Text(group, "bu");
         item.access = Text(element, "asm");
-        items.push_back(item);
+        item.minimum = Number(element, "min");
+        item.maximum = Number(element, "max");
+        // One id published twice in a group is one item: the module can read
+        // only one of them, the last.
+        bool merged = false;
+        for (size_t k = first; k < items.size() && !merged; ++k) {
+            if (items[k].id == item.id) {
+                item.sharing = items[k].sharing;
+                item.sharing.push_back(items[k].name);
+                items[k] = item;
+                merged = true;
+            }
+        }
+        if (!merged) {
+            items.push_back(item);
+        }
     }
+}
+
+bool EndsWithPart(const std::string& path, const std::string& tail) {
+    return path == tail || (path.size() > tail.size() &&
+                            path.compare(path.size() - tail.size(), tail.size(), tail) == 0 &&
+                            path[path.size() - tail.size() - 1] == '/');
 }
 
 }  // namespace
@@ -49,6 +76,12 @@ std::string Item::path() const {
         return name;  // an id outside the document
     }
     return group.empty() ? block + "/" + name : block + "/" + group + "/" + name;
+}
+
+std::string Item::groupPath() const { return group.empty() ? block : block + "/" + group; }
+
+bool Item::twoState() const {
+    return key == "bv" || unit == "I/O" || unit == "H/L" || unit == "ON/OFF";
 }
 
 std::vector<Item> CollectItems(const json_t* document) {
@@ -72,6 +105,21 @@ std::vector<Item> CollectItems(const json_t* document) {
     return items;
 }
 
+std::optional<uint32_t> ParseId(const std::string& text) {
+    const bool hex = text.rfind("0x", 0) == 0 || text.rfind("0X", 0) == 0;
+    const std::string digits = hex ? text.substr(2) : text;
+    if (digits.empty() || digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "0123456789") !=
+                              std::string::npos) {
+        return std::nullopt;
+    }
+    errno = 0;
+    const unsigned long long id = std::strtoull(digits.c_str(), nullptr, hex ? 16 : 10);
+    if (errno != 0 || id > 0xFFFFFFFFull) {
+        return std::nullopt;
+    }
+    return static_cast<uint32_t>(id);
+}
+
 json_type ParseType(const std::string& name) {
     if (name == "int") {
         return JSON_INTEGER;
@@ -85,79 +133,93 @@ json_type ParseType(const std::string& name) {
     throw ToolError("--type must be int, real or string, not \"" + name + "\"", true);
 }
 
-Item FindItem(const std::vector<Item>& items, const std::string& selector, const char* type) {
-    if (selector.rfind("0x", 0) == 0 || selector.rfind("0X", 0) == 0) {
-        char* end = nullptr;
-        const unsigned long id = std::strtoul(selector.c_str(), &end, 16);
-        if (selector.size() == 2 || *end != '\0' || id > 0xFFFFFFFFul) {
-            throw ToolError("\"" + selector + "\" is not an item id", true);
-        }
+Selection Select(const std::vector<Item>& items, const std::string& selector, bool groups,
+                 const char* type) {
+    std::string wanted = selector;
+    while (wanted.size() > 1 && wanted.back() == '/') {
+        wanted.pop_back();
+    }
+    if (const std::optional<uint32_t> id = ParseId(wanted)) {
         for (const Item& item : items) {
-            if (item.id == id) {
-                return item;
+            if (item.id == *id) {
+                return {{item}, false};
             }
         }
         if (type == nullptr) {
-            throw ToolError(selector + " is not an item of the capability document "
+            throw ToolError(IdText(*id) + " is not an item of the capability document "
                             "(give --type to use it anyway)", true);
         }
         Item item;
-        item.id = static_cast<uint32_t>(id);
-        item.name = selector;
-        item.type = ParseType(type);
-        return item;
+        item.id = *id;
+        item.name = IdText(*id);
+        item.access = "N/A";
+        return {{item}, false};
     }
-    const Item* found = nullptr;
-    std::string ids;
-    for (const Item& item : items) {
-        if (item.path() == selector) {
-            ids += (ids.empty() ? "" : ", ") + IdText(item.id);
-            if (found != nullptr) {
-                throw ToolError("\"" + selector + "\" names more than one item (" + ids +
-                                "...); use an id", true);
+    // Whole paths first, then trailing parts; an item's other names count.
+    for (const bool whole : {true, false}) {
+        std::vector<const Item*> found;
+        std::vector<std::string> groupsFound;
+        for (const Item& item : items) {
+            bool match = whole ? item.path() == wanted : EndsWithPart(item.path(), wanted);
+            for (const std::string& other : item.sharing) {
+                const std::string path = item.groupPath() + "/" + other;
+                match = match || (whole ? path == wanted : EndsWithPart(path, wanted));
             }
-            found = &item;
+            if (match) {
+                found.push_back(&item);
+            }
+            for (const std::string& path : {item.block, item.groupPath()}) {
+                const bool named = whole ? path == wanted : EndsWithPart(path, wanted);
+                if (groups && named &&
+                    std::find(groupsFound.begin(), groupsFound.end(), path) == groupsFound.end()) {
+                    groupsFound.push_back(path);
+                }
+            }
+        }
+        if (found.size() == 1 && groupsFound.empty()) {
+            return {{*found.front()}, false};
+        }
+        if (found.empty() && groupsFound.size() == 1) {
+            Selection selection{{}, true};
+            for (const Item& item : items) {
+                if (item.block == groupsFound.front() || item.groupPath() == groupsFound.front()) {
+                    selection.items.push_back(item);
+                }
+            }
+            return selection;
+        }
+        if (found.size() + groupsFound.size() > 1) {
+            std::string candidates;
+            for (const Item* item : found) {
+                candidates += "\n  " + item->path() + " (" + IdText(item->id) + ")";
+            }
+            for (const std::string& path : groupsFound) {
+                candidates += "\n  " + path + "/";
+            }
+            throw ToolError("\"" + selector + "\" names more than one " +
+                            (groupsFound.empty() ? "item" : "thing") + "; one of:" + candidates,
+                            true);
         }
     }
-    if (found == nullptr) {
-        throw ToolError("no item \"" + selector + "\" (see voractl list)", true);
-    }
-    Item item = *found;
-    if (type != nullptr) {
-        item.type = ParseType(type);
-    }
-    return item;
+    throw ToolError("no item" + std::string(groups ? " or group" : "") + " \"" + selector +
+                    "\" (see voractl list)", true);
 }
 
-std::vector<Item> SelectItems(const std::vector<Item>& items,
-                              const std::vector<std::string>& selectors) {
+std::vector<Item> SelectAll(const std::vector<Item>& items, const std::vector<std::string>& selectors,
+                            const char* type) {
+    std::vector<Item> outside;  // ids the document does not publish
     std::vector<bool> chosen(items.size(), false);
-    for (std::string selector : selectors) {
-        const bool id = selector.rfind("0x", 0) == 0 || selector.rfind("0X", 0) == 0;
-        bool any = false;
-        for (size_t i = 0; i < items.size() && !id; ++i) {
-            if (items[i].path() == selector) {
-                chosen[i] = any = true;
-            }
-        }
-        if (id || any) {
-            // An id, or a path that more than one item has: FindItem says why.
-            const Item found = FindItem(items, selector, nullptr);
+    for (const std::string& selector : selectors) {
+        for (const Item& item : Select(items, selector, true, type).items) {
+            bool published = false;
             for (size_t i = 0; i < items.size(); ++i) {
-                chosen[i] = chosen[i] || (items[i].id == found.id && items[i].path() == found.path());
+                if (items[i].id == item.id && items[i].path() == item.path()) {
+                    chosen[i] = published = true;
+                }
             }
-            continue;
-        }
-        while (!selector.empty() && selector.back() == '/') {
-            selector.pop_back();
-        }
-        for (size_t i = 0; i < items.size(); ++i) {
-            if (!selector.empty() && items[i].path().rfind(selector + "/", 0) == 0) {
-                chosen[i] = any = true;
+            if (!published) {
+                outside.push_back(item);
             }
-        }
-        if (!any) {
-            throw ToolError("no item or group \"" + selector + "\" (see voractl list)", true);
         }
     }
     std::vector<Item> selected;
@@ -166,6 +228,7 @@ std::vector<Item> SelectItems(const std::vector<Item>& items,
             selected.push_back(items[i]);
         }
     }
+    selected.insert(selected.end(), outside.begin(), outside.end());
     return selected;
 }
 

@@ -1,9 +1,11 @@
-// The items of a capability document, and finding one by id or path.
+// The items of a capability document, and finding them by what a person
+// types: an id, a path, or the trailing parts of a path.
 #pragma once
 
 #include <jansson.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,25 +20,47 @@ struct Item {
     json_type type = JSON_INTEGER;  // JSON type the module reads and writes
     std::string unit;    // the element's "u", else its group's "bu"
     std::string access;  // "r", "rw", "N/A"
+    std::optional<double> minimum;  // the element's published "min" and "max"
+    std::optional<double> maximum;
+    // Other elements of the group published with the same id (sensors in
+    // one slot of different blocks): the module reads one of them, the last.
+    std::vector<std::string> sharing;
 
     // "Block/Group/Name", or "Block/Name" without a group.
     std::string path() const;
+    // "Block/Group", or "Block".
+    std::string groupPath() const;
+    bool writable() const { return access != "r"; }
+    // An on/off, high/low or in/out item.
+    bool twoState() const;
+    // The published limits, when they make a range (min <= max).
+    bool ranged() const { return minimum && maximum && *minimum <= *maximum; }
 };
 
-// Every element of every group of every block, in document order.
+// Every element of every block, in document order; elements of one group
+// published with one id are one item, named after the last of them.
 std::vector<Item> CollectItems(const json_t* document);
 
-// The item `selector` names: a hexadecimal id ("0x1020201") or an exact path.
-// An unknown or ambiguous selector throws a usage ToolError, except an id the
-// document does not publish when `type` is given: that id is read as is.
-Item FindItem(const std::vector<Item>& items, const std::string& selector, const char* type);
+// An item id typed as "0x1020201" or "16908801"; none when `text` is no id.
+std::optional<uint32_t> ParseId(const std::string& text);
 
-// The items `selectors` name, in document order and each once: an id or exact
-// path names one item, else a selector is a block or group ("Hardware Monitor",
-// "Hardware Monitor/Voltage") and names every item under it. A selector that
-// names nothing throws a usage ToolError.
-std::vector<Item> SelectItems(const std::vector<Item>& items,
-                              const std::vector<std::string>& selectors);
+// What a selector names: items, or the items of a block or group.
+struct Selection {
+    std::vector<Item> items;
+    bool group = false;  // a block or group was named
+};
+
+// Resolves `selector`: an id; a path, whole or by its trailing parts
+// ("VCORE", "DI0/Level", "Voltage") when they name one item, or else one
+// block or group; with `groups` false, items only. An id the document does
+// not publish is an item only with `type` given. Throws a usage ToolError
+// for a selector that names nothing, or more than one thing (listing them).
+Selection Select(const std::vector<Item>& items, const std::string& selector, bool groups,
+                 const char* type = nullptr);
+
+// The items `selectors` name, in document order and each once.
+std::vector<Item> SelectAll(const std::vector<Item>& items, const std::vector<std::string>& selectors,
+                            const char* type = nullptr);
 
 // The JSON type named by --type ("int", "real", "string"); throws otherwise.
 json_type ParseType(const std::string& name);

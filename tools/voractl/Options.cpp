@@ -21,42 +21,49 @@ const char kUsage[] =
     "Inspect and drive a board through the VORADrv driver module.\n"
     "\n"
     "Commands:\n"
+    "  info                              the module and the board library in use\n"
     "  caps                              print the capability document\n"
-    "  list [--json]                     every item with its current value\n"
+    "  list [--all] [--json] [GROUP...]  every item with its current value\n"
     "  get [--json] [--type T] ITEM...   read items\n"
-    "  set [--json] [--type T] ITEM VALUE\n"
-    "                                    write an item\n"
+    "  set [--json] NAME=VALUE...        write items (or: set ITEM VALUE)\n"
     "  watch [--json] [--interval S] [--count N] [ITEM|GROUP...]\n"
     "                                    follow readings live (default: every\n"
     "                                    hardware-monitor sensor)\n"
     "  export --format senml|prometheus [--output FILE]\n"
     "                                    every readable item for monitoring\n"
     "\n"
-    "ITEM is an item id (0x1020201) or a path as \"list\" shows it, for example\n"
-    "\"Hardware Monitor/Voltage/VCORE\" or \"Platform Information/Board name\".\n"
+    "ITEM is an item id (0x1020201 or 16908801) or a path as \"list\" shows it,\n"
+    "whole (\"Hardware Monitor/Voltage/VCORE\") or by its last parts when they\n"
+    "name one item (\"VCORE\", \"DI0/Level\"); GROUP names a block or group the\n"
+    "same way (\"GPIO\", \"Voltage\").\n"
     "\n"
     "Options:\n"
     "  --module PATH          the module to load (default: the installed one,\n"
     "                         else the one in the build tree)\n"
     "  --sim[=PROFILE]        run against the board simulator; PROFILE is a board\n"
     "                         profile file (default: the simulated library's board)\n"
-    "  --sim-generation GEN   simulated board library: 4 (default), 3 or eapi\n"
-    "  --sim-reset            start the simulated board again from its profile\n"
+    "  --sim-generation GEN   with --sim: simulated board library 4 (default), 3\n"
+    "                         or eapi\n"
+    "  --sim-reset            with --sim: start the simulated board again from its\n"
+    "                         profile\n"
+    "  --raw                  show the module's values as the board library gives\n"
+    "                         them (tenths of a kelvin on an Embedded API library)\n"
+    "  -q, --quiet            drop the module's own messages\n"
     "  --color[=WHEN]         colour the output: auto (default: on a terminal),\n"
     "                         always or never; NO_COLOR in the environment turns\n"
     "                         colour off whatever WHEN says\n"
-    "  -h, --help             show this help; \"voractl COMMAND --help\" for a command\n"
+    "  -h, --help             show this help; \"voractl help COMMAND\" for a command\n"
+    "  --version              show voractl's version\n"
     "\n"
     "The simulated board keeps what is written to it from one run to the next\n"
     "(in $XDG_RUNTIME_DIR, else /tmp/voractl-UID; VORA_SIM_STATE names another\n"
     "file) until its profile changes or --sim-reset is given.\n"
     "\n"
-    "The module's own diagnostics go to standard output as the module prints them\n"
-    "(to standard error with --json and for an export to standard output, so the\n"
-    "output stays whole); voractl's errors go to standard error.\n"
+    "Data goes to standard output; the module's own messages go to standard\n"
+    "error as \"module: ...\", voractl's as \"voractl: ...\".\n"
     "\n"
-    "Exit status: 0 success, 1 the module or the board reported a failure,\n"
-    "2 usage error.\n";
+    "Exit status: 0 success; 1 the module or the board failed (an item that\n"
+    "cannot be read, a refused or failed write, no board); 2 usage error.\n";
 
 struct CommandSpec {
     const char* help;
@@ -66,39 +73,55 @@ struct CommandSpec {
 };
 
 const std::map<std::string, CommandSpec> kCommands = {
+    {"info",
+     {"Usage: voractl info [--json]\n\nShow the module in use (its file and version), the board "
+      "library it bound (its\nfile and generation) and how many items each block publishes.\n",
+      {"--json"}, 0, 0}},
     {"caps",
      {"Usage: voractl caps\n\nPrint the capability document the module publishes, as indented "
       "JSON.\n",
       {"--json"}, 0, 0}},
     {"list",
-     {"Usage: voractl list [--json]\n\nRead every item of the capability document and show "
-      "them grouped by block\nand group: id, name, current value with its unit, and "
-      "\"read-only\" for an item\nthat cannot be set. \"N/A\" stands for a value that could not "
-      "be read.\n\n"
-      "  --json   print a JSON array of records instead; an unreadable value is\n"
+     {"Usage: voractl list [--all] [--json] [GROUP...]\n\nRead every item (or those of the "
+      "GROUPs) and show them grouped by block and\ngroup: id, name, current value with its unit, "
+      "the published limits, and\n\"read-only\" for an item that cannot be set. GPIO pins are one "
+      "row each, as\ngpioinfo shows lines: number, name, direction, level. \"N/A\" stands for a\n"
+      "value that could not be read.\n\n"
+      "  --all    every item in a row of its own, GPIO pins too\n"
+      "  --json   a JSON array of records instead; an unreadable value is\n"
       "           null, with an \"error\" member beside it\n",
-      {"--json"}, 0, 0}},
+      {"--json", "--all"}, 0, SIZE_MAX}},
     {"get",
-     {"Usage: voractl get [--json] [--type int|real|string] ITEM...\n\nRead items and print "
-      "their values, one per line (with the item's path when\nthere are several).\n\n"
-      "  --json   print JSON records as \"list --json\" does\n"
-      "  --type   the JSON type to read with; needed for an id the capability\n"
-      "           document does not publish\n",
-      {"--json", "--type"}, 1, SIZE_MAX}},
+     {"Usage: voractl get [--json] [--type int|real|string] [--force] ITEM...\n\nRead items and "
+      "print their values, one per line (with the item's path when\nthere are several). A GROUP "
+      "reads every item of it.\n\n"
+      "  --json    print JSON records as \"list --json\" does\n"
+      "  --type    the JSON type to read with; needed for an id the capability\n"
+      "            document does not publish\n"
+      "  --force   read a number as text, or text as a number\n",
+      {"--json", "--type", "--force"}, 1, SIZE_MAX}},
     {"set",
-     {"Usage: voractl set [--json] [--type int|real|string] ITEM VALUE\n\nWrite VALUE to ITEM. "
-      "The value is passed to the module as the JSON type of the\nitem's element in the "
-      "capability document (\"v\": real or integer, \"sv\":\nstring, \"bv\": integer) unless "
-      "--type says otherwise. The board library\ndecides whether the value is accepted.\n\n"
-      "  --json   print the item's record, read back after the write\n",
-      {"--json", "--type"}, 2, 2}},
+     {"Usage: voractl set [--json] [--force] NAME=VALUE...\n"
+      "       voractl set [--json] [--type int|real|string] [--force] ITEM VALUE\n\n"
+      "Write each VALUE to its item, then read it back. Every value is checked\n"
+      "against the capability document before any is written: the item must be\n"
+      "settable, a number within the published min..max and the item's 32-bit\n"
+      "range, a two-state item 0, 1 or one of on/off, high/low, in/out,\n"
+      "true/false, active/inactive. A ranged number may also be given as a\n"
+      "percentage of its range (50%) or relative to its present value (+10%,\n"
+      "-10). A value the board reads back differently fails.\n\n"
+      "  --json    print each item's record as read back, with \"written\" and\n"
+      "            \"outcome\"\n"
+      "  --type    the JSON type to write with (with --force)\n"
+      "  --force   send the value unchecked, for a board whose document is wrong\n",
+      {"--json", "--type", "--force"}, 1, SIZE_MAX}},
     {"watch",
      {"Usage: voractl watch [--json] [--interval SECONDS] [--count N] [ITEM|GROUP...]\n\n"
       "Read the items again and again: on a terminal the table is redrawn in place,\n"
       "otherwise each sample is one line with its time. A value that changed since\n"
       "the sample before is marked with \"*\". Ctrl-C ends the watch.\n\n"
-      "ITEM is an id or path; GROUP is a block or group path such as \"GPIO\" or\n"
-      "\"Hardware Monitor/Voltage\". Without any, every hardware-monitor sensor.\n\n"
+      "ITEM is an id or path; GROUP is a block or group such as \"GPIO\" or\n"
+      "\"Voltage\". Without any, every hardware-monitor sensor.\n\n"
       "  --interval  seconds between samples (default 2; fractions allowed)\n"
       "  --count     stop after N samples (default: until interrupted)\n"
       "  --json      one JSON document per line and sample: {\"time\", \"items\"},\n"
@@ -110,15 +133,17 @@ const std::map<std::string, CommandSpec> kCommands = {
       "  senml        a SenML pack (RFC 8428): a JSON array of records\n"
       "  prometheus   the Prometheus text format, for node_exporter's textfile\n"
       "               collector (metric names start with voradrv_)\n\n"
-      "  --output FILE  write FILE atomically (a temporary file renamed over it),\n"
-      "                 so that a reader never sees half an export; default:\n"
-      "                 standard output\n\n"
+      "  --output FILE  a regular FILE is replaced atomically (a temporary file\n"
+      "                 renamed over it), so that a reader never sees half an\n"
+      "                 export; a symbolic link's target is written; a FIFO,\n"
+      "                 character device or socket is written to as it is;\n"
+      "                 \"-\" and no --output: standard output\n\n"
       "An item that cannot be read is left out and named on standard error, and\n"
       "the exit status is 1; the rest is still written.\n",
       {"--format", "--output"}, 0, 0}},
 };
 
-[[noreturn]] void PrintHelp(const char* text) {
+[[noreturn]] void Print(const char* text) {
     std::fputs(text, stdout);
     std::exit(0);
 }
@@ -171,7 +196,7 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
         const std::string name = arg.substr(0, arg.find('='));
         std::string value;
         if (arg == "-h" || arg == "--help") {
-            PrintHelp(command.help);
+            Print(command.help);
         } else if (arg == "--") {
             options.arguments.insert(options.arguments.end(), argv + i + 1, argv + argc);
             break;
@@ -181,6 +206,10 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
             throw ToolError("unknown option " + name + " for " + options.command, true);
         } else if (arg == "--json") {
             options.json = true;
+        } else if (arg == "--all") {
+            options.all = true;
+        } else if (arg == "--force") {
+            options.force = true;
         } else if (OptionValue(arg, "--type", i, argc, argv, value)) {
             ParseType(value);
             options.type = argv[i] + (arg == "--type" ? 0 : std::strlen("--type="));
@@ -196,7 +225,7 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
             options.format = value;
         } else if (OptionValue(arg, "--output", i, argc, argv, value)) {
             if (value.empty()) {
-                throw ToolError("--output needs a file name", true);
+                throw ToolError("--output needs a file name (- for standard output)", true);
             }
             options.output = value;
         } else {
@@ -206,7 +235,7 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
     const size_t n = options.arguments.size();
     if (n < command.minArguments || n > command.maxArguments) {
         const char* wanted = options.command == "get"   ? "get needs at least one ITEM"
-                             : options.command == "set" ? "set needs ITEM and VALUE"
+                             : options.command == "set" ? "set needs NAME=VALUE or ITEM VALUE"
                                                         : nullptr;
         throw ToolError(wanted != nullptr ? wanted : options.command + " takes no arguments",
                         true);
@@ -220,23 +249,38 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
 
 Options ParseOptions(int argc, char** argv) {
     Options options;
+    bool simOnly = false;  // an option that makes sense with --sim only
     int i = 1;
     for (; i < argc; ++i) {
         const std::string arg = argv[i];
         std::string value;
         if (arg == "-h" || arg == "--help") {
-            PrintHelp(kUsage);
+            Print(kUsage);
+        } else if (arg == "--version") {
+            Print("voractl " VORACTL_VERSION "\n");
         } else if (OptionValue(arg, "--module", i, argc, argv, value)) {
+            if (value.empty()) {
+                throw ToolError("--module needs a file name", true);
+            }
             options.modulePath = value;
         } else if (arg == "--sim") {
             options.simulation.enabled = true;
         } else if (arg.rfind("--sim=", 0) == 0) {
             options.simulation.enabled = true;
             options.simulation.profile = arg.substr(6);
+            if (options.simulation.profile.empty()) {
+                throw ToolError("--sim= needs a board profile file", true);
+            }
         } else if (OptionValue(arg, "--sim-generation", i, argc, argv, value)) {
             options.simulation.generation = value;
+            simOnly = true;
         } else if (arg == "--sim-reset") {
             options.simulation.reset = true;
+            simOnly = true;
+        } else if (arg == "--raw") {
+            options.raw = true;
+        } else if (arg == "-q" || arg == "--quiet") {
+            options.quiet = true;
         } else if (arg == "--color") {
             options.color = ColorMode::Always;
         } else if (arg.rfind("--color=", 0) == 0) {
@@ -247,12 +291,24 @@ Options ParseOptions(int argc, char** argv) {
             break;
         }
     }
+    if (simOnly && !options.simulation.enabled) {
+        throw ToolError("--sim-generation and --sim-reset choose the simulated board: "
+                        "give --sim too", true);
+    }
     if (i >= argc) {
         throw ToolError("no command given (see voractl --help)", true);
     }
     options.command = argv[i++];
     if (options.command == "help") {
-        PrintHelp(i < argc && kCommands.count(argv[i]) ? kCommands.at(argv[i]).help : kUsage);
+        if (i == argc) {
+            Print(kUsage);
+        }
+        const auto topic = kCommands.find(argv[i]);
+        if (topic == kCommands.end() || i + 1 < argc) {
+            throw ToolError("no help on \"" + std::string(argv[i]) + "\"; commands: info, caps, "
+                            "list, get, set, watch, export", true);
+        }
+        Print(topic->second.help);
     }
     if (kCommands.count(options.command) == 0) {
         throw ToolError("unknown command \"" + options.command + "\" (see voractl --help)", true);

@@ -1,36 +1,15 @@
 #include "Reading.h"
 
-#include <cstdio>
-
 #include "Format.h"
 
 namespace voractl {
-
-Reading Read(const Module& module, const Item& item) {
-    Reading reading;
-    reading.item = &item;
-    reading.value = Own(EmptyValue(item.type));
-    reading.status = module.get(item.id, reading.value.get());
-    if (reading.status != VORADRV_STATUS_SUCCESS) {
-        reading.value.reset();
-    }
-    return reading;
-}
-
-std::vector<Reading> ReadAll(const Module& module, const std::vector<Item>& items) {
-    std::vector<Reading> readings;
-    readings.reserve(items.size());
-    for (const Item& item : items) {
-        readings.push_back(Read(module, item));
-    }
-    return readings;
-}
 
 std::string ShownValue(const Reading& reading) {
     if (!reading.value) {
         return "N/A";
     }
-    return DisplayValue(reading.value.get(), reading.item->unit);
+    return reading.bare ? ValueText(reading.value.get())
+                        : DisplayValue(reading.value.get(), reading.item->unit);
 }
 
 json_t* ReadingJson(const Reading& reading) {
@@ -38,8 +17,7 @@ json_t* ReadingJson(const Reading& reading) {
     json_t* record = json_pack("{s:I, s:s, s:s, s:s, s:s, s:s, s:s}", "id",
                                static_cast<json_int_t>(item.id), "path", item.path().c_str(),
                                "block", item.block.c_str(), "group", item.group.c_str(), "name",
-                               item.name.c_str(), "unit",
-                               item.unit == "info" ? "" : item.unit.c_str(), "access",
+                               item.name.c_str(), "unit", item.unit == "info" ? "" : item.unit.c_str(), "access",
                                item.access.c_str());
     if (record == nullptr) {
         throw ToolError("cannot build the JSON record of " + item.path());
@@ -50,11 +28,25 @@ json_t* ReadingJson(const Reading& reading) {
         json_object_set_new(record, "value", json_null());
         json_object_set_new(record, "error", json_string(StatusText(reading.status).c_str()));
     }
+    if (reading.raw) {
+        json_object_set(record, "raw", reading.raw.get());
+    }
+    if (item.minimum && item.maximum) {
+        json_object_set_new(record, "min", json_real(*item.minimum));
+        json_object_set_new(record, "max", json_real(*item.maximum));
+    }
+    if (!item.sharing.empty()) {
+        json_t* names = json_array();
+        for (const std::string& name : item.sharing) {
+            json_array_append_new(names, json_string(name.c_str()));
+        }
+        json_object_set_new(record, "shares_id_with", names);
+    }
     return record;
 }
 
 void PrintJson(std::FILE* out, const json_t* json) {
-    json_dumpf(json, out, JSON_INDENT(2));
+    json_dumpf(json, out, JSON_INDENT(2) | JSON_REAL_PRECISION(15));
     std::fputc('\n', out);
 }
 

@@ -1,40 +1,34 @@
-// One item read through the module, and its JSON record.
+// One item read through the module, and how it is shown.
 #pragma once
 
 #include <jansson.h>
 
 #include <cstdint>
-#include <memory>
+#include <cstdio>
 #include <vector>
 
 #include "Items.h"
-#include "Module.h"
+#include "Truth.h"
 
 namespace voractl {
 
-using JsonPtr = std::unique_ptr<json_t, decltype(&json_decref)>;
-
-// Takes over the reference of `json`.
-inline JsonPtr Own(json_t* json) { return JsonPtr(json, &json_decref); }
-
 struct Reading {
     const Item* item = nullptr;
-    JsonPtr value{nullptr, &json_decref};  // null when the read failed
+    JsonPtr value{nullptr, &json_decref};  // the true value; null when the read failed
+    JsonPtr raw{nullptr, &json_decref};    // the module's, when it differs from `value`
     uint32_t status = 0;                   // the module's answer
+    bool bare = false;                     // shown as the module's number (--raw)
 };
 
-// Reads one item with the JSON type of its element.
-Reading Read(const Module& module, const Item& item);
-
-// Reads every item, in order.
-std::vector<Reading> ReadAll(const Module& module, const std::vector<Item>& items);
-
-// The value as people read it, or "N/A" when it could not be read.
+// The value as people read it, or "N/A" when it could not be read; a bare
+// reading as the module's value alone, without unit or words.
 std::string ShownValue(const Reading& reading);
 
-// A new record {"id", "path", "block", "group", "name", "value", "unit",
-// "access"}, with "value" null and an "error" beside it when the read
-// failed. The caller owns it.
+// A new record {"id", "path", "block", "group", "name", "unit", "access",
+// "value"}, with "min" and "max" when the element publishes them, "raw"
+// (the module's value) when it differs from the true value, "shares_id_with"
+// for an id other sensors were published with, and, when the read failed,
+// "value" null with an "error" beside it. The caller owns it.
 json_t* ReadingJson(const Reading& reading);
 
 // Prints a JSON document indented, with a final newline.

@@ -1,5 +1,6 @@
 #include "Simulation.h"
 
+#include <jansson.h>
 #include <limits.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -74,6 +75,31 @@ std::string StateDirectory() {
     return dir;
 }
 
+// A state the simulator could not start from, or not keep changes in, is
+// named with what to do about it.
+void CheckState(const std::string& state) {
+    const std::string reset = "; --sim-reset starts the simulated board again from its profile";
+    if (access(state.c_str(), F_OK) == 0) {
+        json_error_t error;
+        json_t* board = json_load_file(state.c_str(), 0, &error);
+        json_decref(board);
+        if (board == nullptr) {
+            throw ToolError("the simulated board's state " + state + " is damaged (line " +
+                            std::to_string(error.line) + ": " + error.text + ")" + reset);
+        }
+        if (access(state.c_str(), W_OK) != 0) {
+            throw ToolError("the simulated board's state " + state + " cannot be written (" +
+                            std::strerror(errno) + ")" + reset + ", or VORA_SIM_STATE names another file");
+        }
+    }
+    const size_t slash = state.rfind('/');
+    const std::string dir = slash == std::string::npos ? "." : state.substr(0, slash + 1);
+    if (access(dir.c_str(), W_OK) != 0) {
+        throw ToolError("the simulated board's state cannot be kept in " + dir + " (" +
+                        std::strerror(errno) + "); VORA_SIM_STATE names another file");
+    }
+}
+
 // Sets VORA_SIM_STATE unless the environment already names a state file,
 // and forgets a state older than the board it came from.
 void PrepareState(const std::string& profile, const std::string& library,
@@ -95,9 +121,15 @@ void PrepareState(const std::string& profile, const std::string& library,
     if (reset || ModifiedAt(state) < board) {
         unlink(state.c_str());
     }
+    CheckState(state);
 }
 
 }  // namespace
+
+std::string SimulatedBoardState() {
+    const char* state = std::getenv("VORA_SIM_STATE");
+    return std::getenv(kMarker) != nullptr && state != nullptr ? state : "";
+}
 
 void EnterSimulation(const SimulationRequest& request, char** argv) {
     if (!request.enabled || std::getenv(kMarker) != nullptr) {

@@ -25,4 +25,7 @@ struct SimulationRequest {
 // state, or when `reset` asks for it.
 void EnterSimulation(const SimulationRequest& request, char** argv);
 
+// The state file of the simulated board when voractl runs simulated, else "".
+std::string SimulatedBoardState();
+
 }  // namespace voractl

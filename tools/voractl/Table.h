@@ -1,15 +1,19 @@
 // The items as a table grouped by block and group, the way `list` and
-// `watch` show them to people:
+// `watch` show them to people, after `sensors` and `gpioinfo`:
 //
 //   Hardware Monitor
 //     Voltage
-//       0x1020201  VCORE  1.050 V  read-only
+//       0x1020201  VCORE  1.050 V  (min = 0.000 V, max = 50.000 V)  read-only
+//   GPIO
+//       pin  name  dir  level
+//         0  DI0   in   high   read-only
 #pragma once
 
 #include <string>
 #include <vector>
 
 #include "Items.h"
+#include "Reading.h"
 #include "Style.h"
 
 namespace voractl {
@@ -25,7 +29,12 @@ struct TableColumns {
     bool id = true;        // the item id before the name
     bool changed = false;  // a "*" after a changed value
     bool access = true;    // "read-only" after a value that cannot be set
+    bool limits = false;   // the published min and max after the value
+    bool pins = false;     // a GPIO pin's direction and level in one row
 };
+
+// A row for each reading.
+std::vector<TableRow> TableRows(const std::vector<Reading>& readings);
 
 // The table's lines, without line ends. Rows come in document order, so
 // the items of a block and of a group follow each other.

@@ -10,8 +10,10 @@
 #include <cmath>
 #include <csignal>
 #include <ctime>
+#include <cstdlib>
 #include <cstring>
 #include <map>
+#include <set>
 
 #include "Format.h"
 #include "Reading.h"
@@ -82,6 +84,12 @@ private:
     struct sigaction oldPipe_ {};
 };
 
+// A terminal that can move its cursor: not one whose TERM is "dumb".
+bool Terminal(std::FILE* out) {
+    const char* term = std::getenv("TERM");
+    return isatty(fileno(out)) == 1 && (term == nullptr || std::strcmp(term, "dumb") != 0);
+}
+
 // "2025-11-21T14:02:03.250+01:00", local time.
 std::string Timestamp() {
     timespec now;
@@ -127,19 +135,25 @@ bool Differs(const Reading& now, const Reading* before) {
 
 class Sampler {
 public:
-    Sampler(Context& context, std::vector<Item> items, double interval)
+    Sampler(Context& context, std::vector<Item> items)
         : context_(context), items_(std::move(items)), labels_(Labels(items_)),
-          interval_(interval),
-          redraw_(!context.json && isatty(fileno(context.out)) == 1) {}
+          interval_(context.options.interval), redraw_(!context.options.json && Terminal(context.out)) {}
 
     // Draws one sample; false when the output is gone.
     bool sample() {
-        std::vector<Reading> readings = ReadAll(context_.module, items_);
+        std::vector<Reading> readings = context_.session.readAll(items_);
+        for (const Reading& reading : readings) {
+            // Each unreadable item is named once, the first time.
+            if (!reading.value && unreadable_.insert(reading.item->path()).second) {
+                std::fprintf(stderr, "voractl: cannot read %s: %s\n", reading.item->path().c_str(),
+                             StatusText(reading.status).c_str());
+            }
+        }
         std::vector<bool> changed;
         for (size_t i = 0; i < readings.size(); ++i) {
             changed.push_back(Differs(readings[i], previous_.empty() ? nullptr : &previous_[i]));
         }
-        if (context_.json) {
+        if (context_.options.json) {
             printJson(readings, changed);
         } else if (redraw_) {
             printScreen(readings, changed);
@@ -149,6 +163,9 @@ public:
         previous_ = std::move(readings);
         return flush();
     }
+
+    // 1 when an item could not be read in a sample, else 0.
+    int exitStatus() const { return unreadable_.empty() ? 0 : 1; }
 
     // Leaves the terminal as it was found.
     void finish() {
@@ -168,7 +185,7 @@ private:
         }
         JsonPtr sample = Own(json_pack("{s:s, s:O}", "time", Timestamp().c_str(), "items",
                                        items.get()));
-        json_dumpf(sample.get(), context_.out, JSON_COMPACT);
+        json_dumpf(sample.get(), context_.out, JSON_COMPACT | JSON_REAL_PRECISION(15));
         std::fputc('\n', context_.out);
     }
 
@@ -231,6 +248,7 @@ private:
     const bool redraw_;
     bool first_ = true;
     std::vector<Reading> previous_;
+    std::set<std::string> unreadable_;
 };
 
 timespec Add(timespec at, double seconds) {
@@ -246,13 +264,15 @@ timespec Add(timespec at, double seconds) {
 
 }  // namespace
 
-int Watch(Context& context, const std::vector<std::string>& selectors, double interval,
-          long count) {
+int Watch(Context& context) {
+    const std::vector<std::string>& selectors = context.options.arguments;
+    const double interval = context.options.interval;
+    const long count = context.options.count;
     std::vector<Item> items;
     if (!selectors.empty()) {
-        items = SelectItems(context.items, selectors);
+        items = SelectAll(context.session.items(), selectors);
     } else {
-        for (const Item& item : context.items) {
+        for (const Item& item : context.session.items()) {
             if (item.block == "Hardware Monitor") {
                 items.push_back(item);
             }
@@ -262,7 +282,7 @@ int Watch(Context& context, const std::vector<std::string>& selectors, double in
         }
     }
     StopSignals signals;
-    Sampler sampler(context, std::move(items), interval);
+    Sampler sampler(context, std::move(items));
     timespec next;
     clock_gettime(CLOCK_MONOTONIC, &next);
     for (long n = 0; (count == 0 || n < count) && !gStop; ++n) {
@@ -286,7 +306,7 @@ int Watch(Context& context, const std::vector<std::string>& selectors, double in
         }
     }
     sampler.finish();
-    return 0;
+    return sampler.exitStatus();
 }
 
 }  // namespace voractl

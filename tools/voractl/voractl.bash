@@ -19,7 +19,8 @@ _voractl_words() {
     done
 }
 
-# Item paths, one a line, and with "groups" every block and group path too.
+# Item paths, one a line: with "groups" every block and group path too,
+# with "settable" only items that can be set.
 _voractl_paths() {
     local -a options=()
     local i word
@@ -32,18 +33,18 @@ _voractl_paths() {
             *) break ;;
         esac
     done
-    "${_voractl_line[0]}" "${options[@]}" list --json 2>/dev/null |
-        awk -v groups="${1:-}" '
+    "${_voractl_line[0]}" "${options[@]}" --quiet list --json 2>/dev/null |
+        awk -v want="${1:-}" '
             function text(line) { sub(/^ *"[a-z]+": "/, "", line); sub(/",?$/, "", line); return line }
             /^    "path": /  { path = text($0) }
             /^    "block": / { block = text($0) }
-            /^    "group": / {
-                group = text($0)
-                if (groups != "") {
+            /^    "group": / { group = text($0) }
+            /^    "access": / {
+                if (want == "groups") {
                     if (!seen[block]++) print block
                     if (group != "" && !seen[block "/" group]++) print block "/" group
                 }
-                print path
+                if (want != "settable" || text($0) != "r") print path
             }'
 }
 
@@ -74,7 +75,7 @@ _voractl() {
     _voractl_words
     for word in "${_voractl_line[@]:1}"; do
         case $word in
-            caps | list | get | set | watch | export | help) command=$word; break ;;
+            info | caps | list | get | set | watch | export | help) command=$word; break ;;
         esac
     done
     [[ $prev == = ]] && prev=${COMP_WORDS[COMP_CWORD - 2]}
@@ -97,22 +98,40 @@ _voractl() {
     esac
     local options
     case $command in
-        "") options="--module --sim --sim-generation --sim-reset --color --help" ;;
-        caps | list) options="--json --help" ;;
-        get | set) options="--json --type --help" ;;
+        "") options="--module --sim --sim-generation --sim-reset --raw --quiet --color --help --version" ;;
+        info | caps) options="--json --help" ;;
+        list) options="--all --json --help" ;;
+        get | set) options="--json --type --force --help" ;;
         watch) options="--json --interval --count --help" ;;
         export) options="--format --output --help" ;;
-        help) COMPREPLY=($(compgen -W "caps list get set watch export" -- "$cur")); return ;;
+        help) COMPREPLY=($(compgen -W "info caps list get set watch export" -- "$cur")); return ;;
     esac
-    if [[ $cur == -* || ($command == @(caps|list|export) && -n $command) ]]; then
+    if [[ $cur == -* || ($command == @(info|caps|export) && -n $command) ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$cur"))
     elif [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W "caps list get set watch export help" -- "$cur"))
-    elif [[ $command == watch ]]; then
+        COMPREPLY=($(compgen -W "info caps list get set watch export help" -- "$cur"))
+    elif [[ $command == @(list|watch) ]]; then
         _voractl_offer "$cur" < <(_voractl_paths groups)
-    elif [[ $command == get || ($command == set && ${#_voractl_line[@]} -gt 0 &&
-            ${_voractl_line[-1]} == set) ]]; then
+    elif [[ $command == get ]]; then
         _voractl_offer "$cur" < <(_voractl_paths)
+    elif [[ $command == set && $cur != *=* ]]; then
+        # NAME=VALUE: the names of items that can be set; ITEM VALUE: the
+        # item only, the first word after the command and its options.
+        local i after= previous=
+        for ((i = 0; i < ${#_voractl_line[@]}; i++)); do
+            word=${_voractl_line[i]}
+            if [[ -z $after ]]; then
+                [[ $word == set ]] && after=1
+            elif [[ $word == --type ]]; then
+                ((i++))
+            elif [[ $word != -* ]]; then
+                previous=$word
+            fi
+        done
+        [[ $prev == --type ]] && return
+        if [[ -z $previous || $previous == *=* ]]; then
+            _voractl_offer "$cur" < <(_voractl_paths settable)
+        fi
     fi
 } &&
     complete -F _voractl voractl

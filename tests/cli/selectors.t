@@ -1,0 +1,63 @@
+Items are named by id (hexadecimal or decimal), by path, or by the last
+parts of their path when they name one item, as gpioget names a line:
+
+  $ voractl --sim get 0x1020201 16908801 'Hardware Monitor/Voltage/VCORE' VCORE Voltage/VCORE
+  1.050 V
+  $ voractl --sim get DI0/Level 'Board name'
+  GPIO/DI0/Level: high
+  Platform Information/Board name: VB-4410
+  $ voractl --sim get CPU
+  voractl: "CPU" names more than one item; one of:
+    Hardware Monitor/Temperature/CPU (0x1020101)
+    Hardware Monitor/Fan Speed/CPU (0x1020301)
+  [2]
+  $ voractl --sim get Nothing
+  voractl: no item or group "Nothing" (see voractl list)
+  [2]
+
+A block or group names every item in it:
+
+  $ voractl --sim list GPIO
+  Board library: libVORA-4.00 (fourth generation), */sim/libVORA-4.00.so (glob)
+  GPIO
+      pin  name                             dir  level
+        0  DI0                              in   high   read-only
+        1  DI1                              in   low    read-only
+        2  DO0                              out  low    fixed direction
+        3  DO1                              out  high   fixed direction
+        4  GPIO4                            in   low
+        5  GPIO5                            out  high
+        6  Relay K1 coil driver, 24 V iso*  out  low    fixed direction
+       33  Front panel button               in   low    read-only
+  $ voractl --sim list --all DO1
+  Board library: libVORA-4.00 (fourth generation), */sim/libVORA-4.00.so (glob)
+  GPIO
+    DO1
+      0x1040204  Dir    out   read-only
+      0x1040304  Level  high
+  $ voractl --sim get 'Hardware Monitor/Fan Speed'
+  Hardware Monitor/Fan Speed/CPU: 2400 RPM
+  Hardware Monitor/Fan Speed/System: 1850 RPM
+
+--type reads with another JSON type, the same by path or by id; a number
+read as text (or the reverse) needs --force:
+
+  $ voractl --sim get --type int 'Board name'
+  voractl: Platform Information/Board name is published as text; --type int reads it only with --force
+  [1]
+  $ voractl --sim get --type int 0x1010402
+  voractl: Platform Information/Board name is published as text; --type int reads it only with --force
+  [1]
+  $ voractl --sim get --type string 0x1010102
+  voractl: Platform Information/Boot up times is published as a number; --type string reads it only with --force
+  [1]
+  $ voractl --sim get --force --type int 'Board name'
+  1342
+  $ voractl --sim get --type real 0x1020299
+  module: VORADrv get value: function:Hardware Monitor get value failed fffffbff
+  voractl: cannot read 0x1020299: not found (0xFFFFFBFF)
+  N/A
+  [1]
+  $ voractl --sim get 0x1020299
+  voractl: 0x1020299 is not an item of the capability document (give --type to use it anyway)
+  [2]

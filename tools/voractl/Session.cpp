@@ -1,0 +1,121 @@
+#include "Session.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "Format.h"
+#include "Reading.h"
+#include "Simulation.h"
+
+namespace voractl {
+
+namespace {
+
+// What to do when the module does not come up with `status`.
+std::string Advice(uint32_t status) {
+    if (const std::string state = SimulatedBoardState(); !state.empty() && access(state.c_str(), F_OK) == 0) {
+        return "the simulated board could not be set up from its state " + state +
+               " (the simulator says why above); --sim-reset starts it again from its profile";
+    }
+    if (status == VORADRV_STATUS_UNSUPPORTED && !voradrv::host::LoadedBoardLibrary()) {
+        return "no board library: the module looks for /usr/lib/libVORA-4.00.so, "
+               "/usr/lib64/libVORA-4.00.so, /usr/lib/libVORA-3.02.so and /usr/lib/libEApi.so "
+               "(and /usr/lib64/libVORA-4.00.so again in place of the last two), and none is "
+               "there; --sim runs against the simulated board";
+    }
+    return "cannot initialise the module: " + StatusText(status);
+}
+
+}  // namespace
+
+const char* GenerationText(const std::string& generation) {
+    if (generation == "4") {
+        return "fourth generation";
+    }
+    if (generation == "3") {
+        return "third generation";
+    }
+    return "Embedded API";
+}
+
+Session::Session(const std::string& modulePath, bool quiet, bool raw)
+    : module_(modulePath.empty() ? DefaultModulePath() : modulePath), output_(quiet), raw_(raw) {}
+
+Session::~Session() { close(); }
+
+uint32_t Session::tryOpen() {
+    uint32_t status;
+    {
+        ModuleOutput::Catch caught(output_);
+        status = module_.initialize();
+    }
+    if (status != VORADRV_STATUS_SUCCESS) {
+        return status;
+    }
+    library_ = voradrv::host::LoadedBoardLibrary();
+    truth_ = Truth(library_ ? library_->generation : "", raw_);
+    document_ = Own(json_object());
+    {
+        ModuleOutput::Catch caught(output_);
+        status = module_.capability(document_.get());
+    }
+    if (status != VORADRV_STATUS_SUCCESS) {
+        close();
+        return status;
+    }
+    items_ = CollectItems(document_.get());
+    return VORADRV_STATUS_SUCCESS;
+}
+
+void Session::open() {
+    const uint32_t status = tryOpen();
+    if (status != VORADRV_STATUS_SUCCESS) {
+        throw ToolError(opened() ? "cannot read the capability document: " + StatusText(status)
+                                 : Advice(status));
+    }
+}
+
+void Session::close() {
+    if (module_.initialized()) {
+        ModuleOutput::Catch caught(output_);
+        module_.uninitialize();
+    }
+    document_.reset();
+    items_.clear();
+}
+
+Reading Session::read(const Item& item) {
+    Reading reading;
+    reading.item = &item;
+    reading.bare = truth_.raw();
+    JsonPtr value = Own(EmptyValue(item.type));
+    {
+        ModuleOutput::Catch caught(output_);
+        reading.status = module_.get(item.id, value.get());
+    }
+    if (reading.status == VORADRV_STATUS_SUCCESS) {
+        reading.value = truth_.shown(item, value.get());
+        if (truth_.converts(item)) {
+            reading.raw = std::move(value);
+        }
+    }
+    return reading;
+}
+
+std::vector<Reading> Session::readAll(const std::vector<Item>& items) {
+    ModuleOutput::Catch caught(output_);  // one catch for the lot
+    std::vector<Reading> readings;
+    readings.reserve(items.size());
+    for (const Item& item : items) {
+        readings.push_back(read(item));
+    }
+    return readings;
+}
+
+uint32_t Session::write(const Item& item, json_t* value) {
+    ModuleOutput::Catch caught(output_);
+    return module_.set(item.id, value);
+}
+
+}  // namespace voractl

@@ -1,0 +1,43 @@
+// The board's true values. The module publishes what the board library
+// answers, in the library's own units and senses; voractl, which people and
+// fleets read, shows what the board really does. On an Embedded API library
+// that means:
+// - temperatures, answered in tenths of a kelvin, shown in degrees Celsius;
+// - a panel's on/off, which reads 0 for a lit panel, shown as 1 for on.
+// Every other value is the module's. With `raw`, all values are the module's.
+#pragma once
+
+#include <jansson.h>
+
+#include <memory>
+#include <string>
+
+#include "Items.h"
+
+namespace voractl {
+
+using JsonPtr = std::unique_ptr<json_t, decltype(&json_decref)>;
+
+// Takes over the reference of `json`.
+inline JsonPtr Own(json_t* json) { return JsonPtr(json, &json_decref); }
+
+class Truth {
+public:
+    // `generation`: that of the board library in use ("4", "3", "eapi").
+    Truth(std::string generation, bool raw) : generation_(std::move(generation)), raw_(raw) {}
+
+    // The true value of what the module read for `item` (a new value).
+    JsonPtr shown(const Item& item, const json_t* read) const;
+    // The value the module must be sent for `item` to become `value`.
+    JsonPtr toModule(const Item& item, const json_t* value) const;
+    // True when `item`'s values are converted.
+    bool converts(const Item& item) const;
+    // True when every value is the module's (--raw).
+    bool raw() const { return raw_; }
+
+private:
+    std::string generation_;
+    bool raw_;
+};
+
+}  // namespace voractl

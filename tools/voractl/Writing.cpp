@@ -1,0 +1,262 @@
+// voractl set: values checked against the capability document before any
+// reaches the module, then written one by one and read back.
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+
+#include "Commands.h"
+#include "Format.h"
+#include "Reading.h"
+
+namespace voractl {
+
+namespace {
+
+// One NAME=VALUE of the command line, as it is to be written.
+struct Planned {
+    Item item;
+    std::string text;                         // the value as given
+    JsonPtr value{nullptr, &json_decref};     // the true value to write
+    std::string refusal;                      // why it may not be written
+};
+
+// The words two-state items take, and the state each stands for.
+const std::map<std::string, long long> kWords = {
+    {"on", 1},  {"off", 0},  {"high", 1}, {"low", 0},   {"in", 1},
+    {"out", 0}, {"true", 1}, {"false", 0}, {"active", 1}, {"inactive", 0}};
+
+bool ParseInteger(const std::string& text, long long& value) {
+    char* end = nullptr;
+    errno = 0;
+    value = std::strtoll(text.c_str(), &end, 0);
+    return !text.empty() && *end == '\0' && errno == 0;
+}
+
+std::string Number(double value) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.10g", value);
+    return text;
+}
+
+// The true value `text` stands for on `item`, its present value (read
+// when the text is relative) at hand; a refusal when it is not one.
+JsonPtr Parse(Session& session, const Item& item, const std::string& text, bool force,
+              std::string& refusal) {
+    const auto refuse = [&](const std::string& why) {
+        refusal = why;
+        return Own(nullptr);
+    };
+    if (item.type == JSON_STRING) {
+        return Own(json_string(text.c_str()));
+    }
+    if (item.type == JSON_REAL) {
+        char* end = nullptr;
+        errno = 0;
+        const double value = std::strtod(text.c_str(), &end);
+        if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(value)) {
+            return refuse("\"" + text + "\" is not a number");
+        }
+        return Own(json_real(value));
+    }
+    if (item.twoState() && !force) {
+        const auto word = kWords.find(text);
+        if (word != kWords.end()) {
+            return Own(json_integer(word->second));
+        }
+        if (text != "0" && text != "1") {
+            return refuse("\"" + text + "\" is not 0, 1, on/off, high/low, in/out, true/false "
+                          "or active/inactive");
+        }
+        return Own(json_integer(text == "1" ? 1 : 0));
+    }
+    // A ranged number may be a share of its range (50%) or relative to its
+    // present value (+10%, -10), as brightnessctl takes brightness.
+    const bool relative = item.ranged() && !text.empty() && (text[0] == '+' || text[0] == '-');
+    const bool percent = item.ranged() && !text.empty() && text.back() == '%';
+    long long number = 0;
+    if (!ParseInteger(percent ? text.substr(0, text.size() - 1) : text, number)) {
+        return refuse("\"" + text + "\" is not an integer");
+    }
+    const double span = item.ranged() ? *item.maximum - *item.minimum : 0.0;
+    double value = percent ? std::round(span * static_cast<double>(number) / 100.0)
+                           : static_cast<double>(number);
+    if (!relative && percent) {
+        value += *item.minimum;
+    } else if (relative) {
+        const Reading present = session.read(item);
+        if (!present.value) {
+            return refuse("its present value cannot be read (" + StatusText(present.status) + ")");
+        }
+        value += json_number_value(present.value.get());
+    }
+    // A range the document publishes is checked with the rest (Forbidden).
+    if (!force && !item.ranged() && (value < 0 || value > 4294967295.0)) {
+        return refuse(Number(value) + " does not fit the item's 32-bit range");
+    }
+    return Own(json_integer(static_cast<json_int_t>(value)));
+}
+
+// What the document forbids of writing `value` to `item`, or "".
+std::string Forbidden(const Item& item, const json_t* value) {
+    if (item.access == "r") {
+        return "it is read-only";
+    }
+    if (item.ranged() && json_is_number(value)) {
+        const double v = json_number_value(value);
+        if (v < *item.minimum || v > *item.maximum) {
+            return Number(v) + " is outside its range " + Number(*item.minimum) + ".." +
+                   Number(*item.maximum);
+        }
+    }
+    return "";
+}
+
+// An address text's numbers ("192.168.001.010" and "192.168.1.10" alike);
+// a MAC address's in any case.
+std::string Canonical(const Item& item, const std::string& text) {
+    if (item.unit != "DEC" && item.unit != "HEX") {
+        return text;
+    }
+    std::string canonical;
+    std::string part;
+    for (size_t i = 0; i <= text.size(); ++i) {
+        if (i == text.size() || text[i] == '.' || text[i] == ':') {
+            canonical += std::to_string(std::strtoul(part.c_str(), nullptr, item.unit == "HEX" ? 16 : 10)) + ".";
+            part.clear();
+        } else {
+            part += text[i];
+        }
+    }
+    return canonical;
+}
+
+bool Same(const Item& item, const json_t* wrote, const json_t* reads) {
+    if (json_is_string(wrote) && json_is_string(reads)) {
+        return Canonical(item, json_string_value(wrote)) == Canonical(item, json_string_value(reads));
+    }
+    if (json_is_number(wrote) && json_is_number(reads)) {
+        const double a = json_number_value(wrote);
+        const double b = json_number_value(reads);
+        return a == b || std::fabs(a - b) <= 1e-9 * std::fabs(a);
+    }
+    return json_equal(wrote, reads);
+}
+
+// NAME=VALUE pairs, or the two words ITEM VALUE.
+std::vector<std::pair<std::string, std::string>> Assignments(const std::vector<std::string>& args) {
+    std::vector<std::pair<std::string, std::string>> pairs;
+    bool allPairs = true;
+    for (const std::string& arg : args) {
+        allPairs = allPairs && arg.find('=') != std::string::npos;
+    }
+    if (allPairs) {
+        for (const std::string& arg : args) {
+            const size_t equals = arg.rfind('=');
+            pairs.emplace_back(arg.substr(0, equals), arg.substr(equals + 1));
+        }
+    } else if (args.size() == 2) {
+        pairs.emplace_back(args[0], args[1]);
+    } else {
+        throw ToolError("set takes NAME=VALUE... or ITEM VALUE", true);
+    }
+    return pairs;
+}
+
+json_t* Record(const Reading& reading, const Planned& planned, const char* outcome,
+               const std::string& reason) {
+    json_t* record = ReadingJson(reading);
+    json_object_set_new(record, "written", planned.value ? json_deep_copy(planned.value.get())
+                                                         : json_string(planned.text.c_str()));
+    json_object_set_new(record, "outcome", json_string(outcome));
+    if (!reason.empty()) {
+        json_object_set_new(record, "reason", json_string(reason.c_str()));
+    }
+    return record;
+}
+
+}  // namespace
+
+int Set(Context& context) {
+    Session& session = context.session;
+    const Options& options = context.options;
+    std::vector<Planned> plan;
+    bool refused = false;
+    for (const auto& [selector, text] : Assignments(options.arguments)) {
+        Planned planned;
+        planned.item = Select(session.items(), selector, false, options.type).items.front();
+        planned.text = text;
+        if (options.type != nullptr) {
+            const json_type type = ParseType(options.type);
+            if (type != planned.item.type && !options.force && !planned.item.block.empty()) {
+                planned.refusal = "the document publishes it as another type (--force writes it anyway)";
+            }
+            planned.item.type = type;
+        }
+        if (planned.item.block.empty() && !options.force) {
+            planned.refusal = "the capability document does not publish it, so nothing can check "
+                              "the value (--force writes it anyway)";
+        }
+        if (planned.refusal.empty()) {
+            planned.value = Parse(session, planned.item, text, options.force, planned.refusal);
+        }
+        if (planned.refusal.empty() && !options.force) {
+            planned.refusal = Forbidden(planned.item, planned.value.get());
+        }
+        if (!planned.refusal.empty()) {
+            std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", planned.item.path().c_str(),
+                         text.c_str(), planned.refusal.c_str());
+            refused = true;
+        }
+        plan.push_back(std::move(planned));
+    }
+    JsonPtr records = Own(json_array());
+    int exitStatus = refused ? 1 : 0;
+    for (const Planned& planned : plan) {
+        const Item& item = planned.item;
+        if (refused) {
+            Reading none;
+            none.item = &item;
+            json_array_append_new(records.get(),
+                                  Record(none, planned, planned.refusal.empty() ? "not written" : "refused",
+                                         planned.refusal));
+            continue;
+        }
+        JsonPtr sent = session.truth().toModule(item, planned.value.get());
+        const uint32_t status = session.write(item, sent.get());
+        const Reading back = session.read(item);
+        std::string reason;
+        const char* outcome = "written";
+        if (status != VORADRV_STATUS_SUCCESS) {
+            outcome = "failed";
+            reason = StatusText(status);
+            std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", item.path().c_str(),
+                         planned.text.c_str(), reason.c_str());
+        } else if (!back.value) {
+            outcome = "unverified";
+            reason = "it cannot be read back: " + StatusText(back.status);
+            std::fprintf(stderr, "voractl: set %s to %s, but %s\n", item.path().c_str(),
+                         planned.text.c_str(), reason.c_str());
+        } else if (!Same(item, planned.value.get(), back.value.get())) {
+            outcome = "differs";
+            reason = "wrote " + DisplayValue(planned.value.get(), item.unit) + ", the board reads " +
+                     DisplayValue(back.value.get(), item.unit);
+            std::fprintf(stderr, "voractl: %s: %s\n", item.path().c_str(), reason.c_str());
+        }
+        // Only a write that reads back as written succeeds; one of an id
+        // outside the document may have nothing to read.
+        if (std::strcmp(outcome, "written") != 0 &&
+            !(std::strcmp(outcome, "unverified") == 0 && item.block.empty())) {
+            exitStatus = 1;
+        }
+        json_array_append_new(records.get(), Record(back, planned, outcome, reason));
+    }
+    if (options.json) {
+        PrintJson(context.out, json_array_size(records.get()) == 1 ? json_array_get(records.get(), 0)
+                                                                   : records.get());
+    }
+    return exitStatus;
+}
+
+}  // namespace voractl
