@@ -3,7 +3,8 @@
 // Vora4Library.h for what is made from the table).
 //
 // Unless noted, a function returns 1 on success. A text call with a null
-// buffer reports the length the text needs. The sensor calls take a sensor
+// buffer reports the length the text needs. Parameters are named as in
+// Vora4Library.h; a pointer may be null where noted there. The sensor calls take a sensor
 // mask (one bit per sensor) and fill the support mask when that pointer is
 // not null. VoraDllGetVersion returns nothing. Arguments declared unsigned
 // short or unsigned char reach the library at that width.

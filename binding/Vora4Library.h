@@ -7,9 +7,11 @@
 //   the library's initialise, then X(...) for every other function.
 //
 // Every function returns a status: 0 on success, else the library's code.
-// Texts follow the length protocol: `length` in is the buffer's size in
-// bytes, out the text's length. VoraBoardGetValue and VoraBoardSetValue take
-// one word, or the word array of a network value (0x12000..0x1200F).
+// The parameters' names say what they carry, for the recorder: `buffer` a
+// text, whose `length` is in the buffer's size in bytes and out the text's
+// length; `words` one word, or the word array of a network value
+// (0x12000..0x1200F, which the module always passes as 64 words); any other
+// pointer one output.
 #pragma once
 
 #define VORA4_LIBRARY(INIT, X)                                                                   \
@@ -17,8 +19,8 @@
     X(uint32_t, VoraLibUninitialize, (), ())                                                     \
     X(uint32_t, VoraBoardGetStringA, (unsigned int id, char* buffer, unsigned int* length),      \
       (id, buffer, length))                                                                      \
-    X(uint32_t, VoraBoardGetValue, (unsigned int id, unsigned int* value), (id, value))          \
-    X(uint32_t, VoraBoardSetValue, (unsigned int id, unsigned int* value), (id, value))          \
+    X(uint32_t, VoraBoardGetValue, (unsigned int id, unsigned int* words), (id, words))          \
+    X(uint32_t, VoraBoardSetValue, (unsigned int id, unsigned int* words), (id, words))          \
     X(uint32_t, VoraGPIOGetCaps, (unsigned int id, unsigned int item, unsigned int* value),      \
       (id, item, value))                                                                         \
     X(uint32_t, VoraGPIOGetDirection, (unsigned int id, unsigned int mask, unsigned int* direction), \

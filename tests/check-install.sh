@@ -28,7 +28,7 @@ for dir in lib lib64; do
     done
 done
 sims=$(cd "$prefix" && find . -name 'libVORA-*.so' -o -name 'libEApi.so' | sort | tr '\n' ' ')
-[ "$sims" = "./libexec/voradrv/libEApi.so ./libexec/voradrv/libVORA-3.02.so ./libexec/voradrv/libVORA-4.00.so " ] ||
+[ "$sims" = "./libexec/voradrv/libEApi.so ./libexec/voradrv/libVORA-3.02.so ./libexec/voradrv/libVORA-4.00.so ./libexec/voradrv/standin/libEApi.so ./libexec/voradrv/standin/libVORA-3.02.so ./libexec/voradrv/standin/libVORA-4.00.so " ] ||
     fail "simulated libraries at: $sims"
 for file in bin/voractl libexec/voradrv/run-simulated libexec/voradrv/libvoraredirect.so \
             share/man/man1/voractl.1.gz share/bash-completion/completions/voractl \

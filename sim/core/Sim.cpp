@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "Profile.h"
+#include "Replay.h"
 
 namespace vorasim {
 
@@ -32,6 +33,17 @@ std::string Hex(uint32_t value) {
 
 }  // namespace
 
+namespace {
+
+bool IsRecordingFile(const char* path) {
+    std::ifstream in(path);
+    char start[256] = {};
+    in.read(start, sizeof start - 1);
+    return vorarec::IsRecording(start);
+}
+
+}  // namespace
+
 Sim& Sim::get() {
     static Sim sim;
     return sim;
@@ -43,7 +55,13 @@ Sim::Sim() : start_(MonotonicSeconds()) {
     const char* state = std::getenv("VORA_SIM_STATE");
     const char* path = std::getenv("VORA_SIM_BOARD");
     bool loaded;
-    if (state != nullptr && *state != '\0' && std::ifstream(state).good()) {
+    if (path != nullptr && *path != '\0' && IsRecordingFile(path)) {
+        // A recording answers for the library (Replay.h); the board stays
+        // empty and is not kept.
+        loaded = Replay::Load(path, lastError_);
+        lastError_ = loaded ? "" : std::string(path) + ": " + lastError_;
+        state = nullptr;
+    } else if (state != nullptr && *state != '\0' && std::ifstream(state).good()) {
         loaded = loadFile(state);
     } else if (path != nullptr && *path != '\0') {
         loaded = loadFile(path);

@@ -15,6 +15,7 @@ namespace vorasim {
 // defines it.
 struct LibraryInfo {
     const char* name;            // "libVORA-4.00"
+    const char* generation;      // "4", "3" or "eapi"
     const char* defaultProfile;  // built-in board profile (JSON text)
 };
 const LibraryInfo& ThisLibrary();

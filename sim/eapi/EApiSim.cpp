@@ -12,6 +12,7 @@
 
 #include "binding/EApiLibrary.h"
 #include "sim/core/Devices.h"
+#include "sim/core/Exports.h"
 #include "sim/core/Sim.h"
 #include "sim/core/Units.h"
 
@@ -44,7 +45,7 @@ const Sensor* SensorOfId(const Board& board, unsigned int id, SensorKind& kind) 
 
 }  // namespace
 
-extern "C" {
+namespace model {
 
 uint32_t EApiLibInitialize(void) {
     Call call("EApiLibInitialize");
@@ -150,4 +151,6 @@ uint32_t EApiVgaSetBacklightEnable(unsigned int id, unsigned int enable) {
     return SetPanelEnable(call, id, enable, kBacklightOn, kBacklightOff);
 }
 
-}  // extern "C"
+}  // namespace model
+
+EAPI_LIBRARY(VORASIM_EXPORT, VORASIM_EXPORT)

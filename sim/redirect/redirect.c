@@ -11,7 +11,14 @@
  *
  *     VORA_HIDE_SYMBOLS=Name,Name,...
  *
- * from dlsym, to simulate a library that lacks a function.
+ * from dlsym, to simulate a library that lacks a function. With
+ *
+ *     VORA_TRACE=1 or VORA_RECORD=FILE
+ *
+ * a board library opened at one of the six probed paths comes through its
+ * stand-in instead (standin/<file> beside this library, see sim/standin/),
+ * which asks voraredirect_standin_target() where the real one is and opens
+ * it with voraredirect_dlopen_real(), past the redirection.
  *
  * Both variables are read on every call, so a process may change them
  * between calls; nothing is cached and nothing is allocated, which keeps the
@@ -27,6 +34,7 @@
 #include <stdlib.h>
 #include <string.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #define HIDDEN __attribute__((visibility("hidden")))
 
@@ -101,13 +109,83 @@ static int hidden(const char* name) {
     return 0;
 }
 
+static const char* const kLibraries[] = {"libVORA-4.00", "libVORA-3.02", "libEApi"};
+
+/* The real file behind each library's stand-in, and the stand-in's path. */
+static char standin_targets[3][4096];
+static char standin[4096];
+
+/* Which library `path` is the probed file of (/usr/lib or /usr/lib64 and
+ * the library's name with ".so"), or -1. */
+static int probed(const char* path) {
+    const char* name = NULL;
+    if (path != NULL && strncmp(path, "/usr/lib/", 9) == 0) {
+        name = path + 9;
+    } else if (path != NULL && strncmp(path, "/usr/lib64/", 11) == 0) {
+        name = path + 11;
+    }
+    for (int i = 0; name != NULL && i < 3; ++i) {
+        const size_t length = strlen(kLibraries[i]);
+        if (strncmp(name, kLibraries[i], length) == 0 && strcmp(name + length, ".so") == 0) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+/* Points `file` at the stand-in of library `index`, remembering `target`,
+ * when tracing or recording is asked for and the stand-in is there. */
+static void through_standin(const char** file, int index, const char* target) {
+    const char* trace = getenv("VORA_TRACE");
+    const char* record = getenv("VORA_RECORD");
+    Dl_info self;
+    if (((trace == NULL || strcmp(trace, "1") != 0) && (record == NULL || *record == '\0')) ||
+        access(target, F_OK) != 0 || dladdr((void*)probed, &self) == 0) {
+        return;
+    }
+    const char* slash = strrchr(self.dli_fname, '/');
+    const size_t dir = slash == NULL ? 0 : (size_t)(slash - self.dli_fname + 1);
+    if (dir + 8 + strlen(kLibraries[index]) + 4 > sizeof standin || strlen(target) >= sizeof standin_targets[0]) {
+        return;
+    }
+    memcpy(standin, self.dli_fname, dir);
+    strcpy(standin + dir, "standin/");
+    strcat(standin, kLibraries[index]);
+    strcat(standin, ".so");
+    if (access(standin, F_OK) == 0) {
+        strcpy(standin_targets[index], target);
+        *file = standin;
+    }
+}
+
 /* Called by the dlopen trampoline: rewrites *file when it is redirected and
  * returns the real dlopen to jump to. */
 HIDDEN void* vora_redirect_dlopen_target(const char** file) {
+    const int index = probed(*file);
     if (lookup(*file, replacement, sizeof replacement)) {
         *file = replacement[0] == '\0' ? kAbsent : replacement;
     }
+    if (index >= 0 && *file != kAbsent) {
+        through_standin(file, index, *file);
+    }
     return real_dlsym()(RTLD_NEXT, "dlopen");
+}
+
+/* Where the stand-in of the library `name` ("libVORA-4.00") should find the
+ * real library, or null. */
+const char* voraredirect_standin_target(const char* name) {
+    for (int i = 0; i < 3; ++i) {
+        if (strcmp(name, kLibraries[i]) == 0 && standin_targets[i][0] != '\0') {
+            return standin_targets[i];
+        }
+    }
+    return NULL;
+}
+
+/* dlopen without the redirection, for the stand-ins. */
+void* voraredirect_dlopen_real(const char* path, int flags) {
+    void* (*real)(const char*, int) = (void* (*)(const char*, int))real_dlsym()(RTLD_NEXT, "dlopen");
+    return real(path, flags);
 }
 
 /* Called by the dlsym trampoline: the real dlsym to jump to, or null when

@@ -11,6 +11,7 @@
 
 #include "binding/Vora3Library.h"
 #include "sim/core/Devices.h"
+#include "sim/core/Exports.h"
 #include "sim/core/Sim.h"
 #include "sim/core/Units.h"
 
@@ -112,7 +113,7 @@ uint32_t ReadSensor(Call& call, SensorKind kind, unsigned bits, uint32_t id, Val
 
 }  // namespace
 
-extern "C" {
+namespace model {
 
 uint32_t VoraDllInit(void) {
     Call call("VoraDllInit");
@@ -303,4 +304,6 @@ uint32_t VoraVCSetBright(unsigned char brightness) {
     return call.result(kV3Ok);
 }
 
-}  // extern "C"
+}  // namespace model
+
+VORA3_LIBRARY(VORASIM_EXPORT, VORASIM_EXPORT)

@@ -12,6 +12,7 @@
 
 #include "binding/Vora4Library.h"
 #include "sim/core/Devices.h"
+#include "sim/core/Exports.h"
 #include "sim/core/Sim.h"
 #include "sim/core/Units.h"
 
@@ -72,7 +73,7 @@ const std::string* Text(Board& board, unsigned int id) {
 
 }  // namespace
 
-extern "C" {
+namespace model {
 
 uint32_t VoraLibInitialize(void) {
     Call call("VoraLibInitialize");
@@ -210,7 +211,7 @@ uint32_t VoraVgaGetCaps(unsigned int id, unsigned int item, unsigned int* value)
     return call.result(kOk);
 }
 
-}  // extern "C"
+}  // namespace model
 
 namespace {
 
@@ -252,7 +253,7 @@ uint32_t SetControl(const char* function, unsigned int id, unsigned int value,
 
 }  // namespace
 
-extern "C" {
+namespace model {
 
 uint32_t VoraVgaGetFrequency(unsigned int id, unsigned int* frequency) {
     return GetControl("VoraVgaGetFrequency", id, frequency, &Panel::frequency);
@@ -290,4 +291,6 @@ uint32_t VoraVgaSetBacklightBrightness(unsigned int id, unsigned int brightness)
     return SetPanelBrightness(call, id, brightness);
 }
 
-}  // extern "C"
+}  // namespace model
+
+VORA4_LIBRARY(VORASIM_EXPORT, VORASIM_EXPORT)

@@ -20,7 +20,7 @@ when the module or the board failed, 2 for a wrong command line.
   voractl: cannot read the board profile /nonexistent.json: No such file or directory
   [1]
   $ voractl help bogus
-  voractl: no help on "bogus"; commands: info, caps, list, get, set, watch, export
+  voractl: no help on "bogus"; commands: info, caps, list, get, set, watch, export, record
   [2]
   $ voractl help set | head -1
   Usage: voractl set [--json] [--force] NAME=VALUE...

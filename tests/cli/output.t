@@ -28,7 +28,7 @@ A symbolic link's target is written, the link stays:
 A FIFO and a character device are written to as they are, and so is
 /dev/stdout; "-" is standard output:
 
-  $ mkfifo fifo && (grep -c voradrv_ < fifo &) && out fifo && wait && stat -c %F fifo
+  $ mkfifo fifo && { grep -c voradrv_ < fifo > count & } && out fifo && wait $! && cat count && stat -c %F fifo
   99
   fifo
   $ mknod null c 1 3 && out null && stat -c %F null

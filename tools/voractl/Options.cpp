@@ -31,6 +31,8 @@ const char kUsage[] =
     "                                    hardware-monitor sensor)\n"
     "  export --format senml|prometheus [--output FILE]\n"
     "                                    every readable item for monitoring\n"
+    "  record [--redact] [--output FILE] the board library's answers, as a file\n"
+    "                                    that --sim=FILE replays\n"
     "\n"
     "ITEM is an item id (0x1020201 or 16908801) or a path as \"list\" shows it,\n"
     "whole (\"Hardware Monitor/Voltage/VCORE\") or by its last parts when they\n"
@@ -42,10 +44,12 @@ const char kUsage[] =
     "                         else the one in the build tree)\n"
     "  --sim[=PROFILE]        run against the board simulator; PROFILE is a board\n"
     "                         profile file (default: the simulated library's board)\n"
+    "                         or a recording, which the simulator replays\n"
     "  --sim-generation GEN   with --sim: simulated board library 4 (default), 3\n"
     "                         or eapi\n"
     "  --sim-reset            with --sim: start the simulated board again from its\n"
     "                         profile\n"
+    "  --trace                every call into the board library on standard error\n"
     "  --raw                  show the module's values as the board library gives\n"
     "                         them (tenths of a kelvin on an Embedded API library)\n"
     "  -q, --quiet            drop the module's own messages\n"
@@ -141,6 +145,19 @@ const std::map<std::string, CommandSpec> kCommands = {
       "An item that cannot be read is left out and named on standard error, and\n"
       "the exit status is 1; the rest is still written.\n",
       {"--format", "--output"}, 0, 0}},
+    {"record",
+     {"Usage: voractl record [--redact] [--output FILE]\n\n"
+      "Record the board library: initialise the module, ask for its capability,\n"
+      "read every item with its own JSON type and shut it down, with a stand-in\n"
+      "in front of the board library that keeps every distinct call and the\n"
+      "library's answer. Nothing is written to the board. The recording is a\n"
+      "board: voractl --sim=FILE replays it, anywhere.\n\n"
+      "  --redact       replace what identifies the board or its site (serial\n"
+      "                 number, customer strings, the management network's names\n"
+      "                 and addresses) with placeholders of the same form\n"
+      "  --output FILE  where to write it, as export writes (default: standard\n"
+      "                 output)\n",
+      {"--redact", "--output"}, 0, 0}},
 };
 
 [[noreturn]] void Print(const char* text) {
@@ -210,6 +227,8 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
             options.all = true;
         } else if (arg == "--force") {
             options.force = true;
+        } else if (arg == "--redact") {
+            options.redact = true;
         } else if (OptionValue(arg, "--type", i, argc, argv, value)) {
             ParseType(value);
             options.type = argv[i] + (arg == "--type" ? 0 : std::strlen("--type="));
@@ -279,6 +298,8 @@ Options ParseOptions(int argc, char** argv) {
             simOnly = true;
         } else if (arg == "--raw") {
             options.raw = true;
+        } else if (arg == "--trace") {
+            options.simulation.trace = true;
         } else if (arg == "-q" || arg == "--quiet") {
             options.quiet = true;
         } else if (arg == "--color") {
@@ -306,7 +327,7 @@ Options ParseOptions(int argc, char** argv) {
         const auto topic = kCommands.find(argv[i]);
         if (topic == kCommands.end() || i + 1 < argc) {
             throw ToolError("no help on \"" + std::string(argv[i]) + "\"; commands: info, caps, "
-                            "list, get, set, watch, export", true);
+                            "list, get, set, watch, export, record", true);
         }
         Print(topic->second.help);
     }

@@ -15,7 +15,6 @@ struct Options {
     ColorMode color = ColorMode::Auto;
     bool quiet = false;          // --quiet: the module's lines dropped
     bool raw = false;            // --raw: the module's values, unconverted
-    bool trace = false;          // --trace: every board library call on standard error
     std::string command;
     std::vector<std::string> arguments;
     bool json = false;

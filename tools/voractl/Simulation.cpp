@@ -9,10 +9,14 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <functional>
+#include <sstream>
 
 #include "Format.h"
 #include "Module.h"
+#include "Session.h"
+#include "record/Recording.h"
 
 namespace voractl {
 
@@ -124,33 +128,26 @@ void PrepareState(const std::string& profile, const std::string& library,
     CheckState(state);
 }
 
-}  // namespace
-
-std::string SimulatedBoardState() {
-    const char* state = std::getenv("VORA_SIM_STATE");
-    return std::getenv(kMarker) != nullptr && state != nullptr ? state : "";
+// The generation of the recording at `path`; "" when it is no recording.
+// A recording that cannot be replayed is refused, with its problem.
+std::string RecordingGeneration(const std::string& path) {
+    std::ifstream in(path);
+    std::ostringstream text;
+    text << in.rdbuf();
+    if (!vorarec::IsRecording(text.str().substr(0, 255))) {
+        return "";
+    }
+    vorarec::Recording recording;
+    std::string error;
+    if (!recording.load(text.str(), error)) {
+        throw ToolError("the recording " + path + " cannot be replayed: " + error);
+    }
+    return recording.generation();
 }
 
-void EnterSimulation(const SimulationRequest& request, char** argv) {
-    if (!request.enabled || std::getenv(kMarker) != nullptr) {
-        return;
-    }
-    const std::string dir = SimulatorDirectory();
-    const std::string chosen = LibraryOf(request.generation);
-
-    // Every path the module probes reads as absent but the chosen library's.
-    std::string redirect;
-    for (const char* library : {"libVORA-4.00", "libVORA-3.02", "libEApi"}) {
-        for (const char* probe : {"/usr/lib/", "/usr/lib64/"}) {
-            const bool mapped = chosen == library && std::strcmp(probe, "/usr/lib/") == 0;
-            redirect += (redirect.empty() ? "" : ":") + std::string(probe) + library + ".so=" +
-                        (mapped ? dir + "/" + library + ".so" : "");
-        }
-    }
-    std::string preload = dir + "/libvoraredirect.so";
-    if (const char* existing = std::getenv("LD_PRELOAD"); existing != nullptr && *existing) {
-        preload = std::string(existing) + ":" + preload;
-    }
+// The simulated library of the chosen generation in place of the real one,
+// its board the profile or recording asked for.
+void Simulate(SimulationRequest& request, const std::string& dir) {
     std::string profile;
     if (!request.profile.empty()) {
         char absolute[PATH_MAX];
@@ -163,12 +160,60 @@ void EnterSimulation(const SimulationRequest& request, char** argv) {
     } else if (const char* board = std::getenv("VORA_SIM_BOARD"); board != nullptr) {
         profile = board;
     }
-    PrepareState(profile, dir + "/" + chosen + ".so", request.generation, request.reset);
+    const std::string recorded = profile.empty() ? "" : RecordingGeneration(profile);
+    if (!recorded.empty() && !request.generation.empty() && request.generation != recorded) {
+        throw ToolError(request.profile + " is a recording of the " + GenerationText(recorded) +
+                        " library, not of the " + GenerationText(request.generation) + " one", true);
+    }
+    request.generation = !recorded.empty() ? recorded
+                         : request.generation.empty() ? "4"
+                                                      : request.generation;
+    const std::string chosen = LibraryOf(request.generation);
+    // Every path the module probes reads as absent but the chosen library's.
+    std::string redirect;
+    for (const char* library : {"libVORA-4.00", "libVORA-3.02", "libEApi"}) {
+        for (const char* probe : {"/usr/lib/", "/usr/lib64/"}) {
+            const bool mapped = chosen == library && std::strcmp(probe, "/usr/lib/") == 0;
+            redirect += (redirect.empty() ? "" : ":") + std::string(probe) + library + ".so=" +
+                        (mapped ? dir + "/" + library + ".so" : "");
+        }
+    }
     setenv("VORA_REDIRECT", redirect.c_str(), 1);
+    PrepareState(profile, dir + "/" + chosen + ".so", request.generation, request.reset);
+}
+
+}  // namespace
+
+std::string SimulatedBoardState() {
+    const char* state = std::getenv("VORA_SIM_STATE");
+    return std::getenv(kMarker) != nullptr && state != nullptr ? state : "";
+}
+
+void EnterSimulation(SimulationRequest request, char** argv) {
+    if ((!request.enabled && !request.trace && request.record.empty()) ||
+        std::getenv(kMarker) != nullptr) {
+        return;
+    }
+    const std::string dir = SimulatorDirectory();
+    std::string preload = dir + "/libvoraredirect.so";
+    if (const char* existing = std::getenv("LD_PRELOAD"); existing != nullptr && *existing) {
+        preload = std::string(existing) + ":" + preload;
+    }
+    if (request.trace) {
+        setenv("VORA_TRACE", "1", 1);
+    }
+    if (!request.record.empty()) {
+        setenv("VORA_RECORD", request.record.c_str(), 1);
+    }
+    if (request.enabled) {
+        Simulate(request, dir);
+    } else {
+        unsetenv("VORA_REDIRECT");  // the real board library, where it is
+    }
     setenv("LD_PRELOAD", preload.c_str(), 1);
     setenv(kMarker, "1", 1);
     execv("/proc/self/exe", argv);
-    throw ToolError(std::string("cannot re-run under the simulator: ") + std::strerror(errno));
+    throw ToolError(std::string("cannot re-run under the path redirection: ") + std::strerror(errno));
 }
 
 }  // namespace voractl

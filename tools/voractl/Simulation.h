@@ -9,21 +9,26 @@ namespace voractl {
 
 struct SimulationRequest {
     bool enabled = false;
-    std::string profile;           // board profile file; empty: built-in board
-    std::string generation = "4";  // "4", "3" or "eapi"
+    std::string profile;           // board profile or recording; empty: built-in board
+    std::string generation;        // "4", "3" or "eapi"; empty: 4, or the recording's
     bool reset = false;            // start again from the profile
+    bool trace = false;            // every board library call on standard error
+    std::string record;            // a file to record the board library's answers in
 };
 
-// Unless already done, sets up the redirection and re-executes the process
-// with `argv`; returns only when the process already runs simulated (or on
-// error, by throwing ToolError).
+// Unless already done, sets up the path redirection (the simulated library
+// in place of the real one with `enabled`; a stand-in in front of the board
+// library to trace or record its calls) and re-executes the process with
+// `argv`; returns when nothing needs it, or the process already runs so (or
+// on error, by throwing ToolError).
 //
 // The simulated board is kept between runs in a state file per user,
 // generation and profile (VORA_SIM_STATE, unless the environment names one),
 // so that a "set" is seen by a later "get". The state starts again from the
 // profile when the profile (or the simulated library) is newer than the
-// state, or when `reset` asks for it.
-void EnterSimulation(const SimulationRequest& request, char** argv);
+// state, or when `reset` asks for it. A recording is replayed by the
+// simulated library of its generation.
+void EnterSimulation(SimulationRequest request, char** argv);
 
 // The state file of the simulated board when voractl runs simulated, else "".
 std::string SimulatedBoardState();

@@ -2,12 +2,14 @@
 // way a host framework loads it.
 #include <cerrno>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "Commands.h"
 #include "Export.h"
 #include "Format.h"
 #include "Options.h"
+#include "Record.h"
 #include "Session.h"
 #include "Simulation.h"
 #include "Watch.h"
@@ -34,6 +36,8 @@ int Run(const Options& options) {
         exitStatus = Set(context);
     } else if (command == "watch") {
         exitStatus = Watch(context);
+    } else if (command == "record") {
+        exitStatus = Record(context);
     } else {
         exitStatus = Export(context);
     }
@@ -48,7 +52,10 @@ int Run(const Options& options) {
 
 int main(int argc, char** argv) {
     try {
-        const Options options = ParseOptions(argc, argv);
+        Options options = ParseOptions(argc, argv);
+        if (options.command == "record" && std::getenv("VORA_RECORD") == nullptr) {
+            options.simulation.record = RecordingFile();
+        }
         EnterSimulation(options.simulation, argv);
         return Run(options);
     } catch (const ToolError& e) {

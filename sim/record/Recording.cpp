@@ -1,0 +1,341 @@
+#include "Recording.h"
+
+#include <time.h>
+
+#include <cctype>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+namespace vorarec {
+
+namespace {
+
+constexpr const char* kFormat = "voradrv-recording";
+constexpr int kVersion = 1;
+// No text a library answers into a module buffer is longer than this (the
+// third generation's largest).
+constexpr size_t kLongestText = 4096;
+constexpr size_t kMostWords = 64;
+
+std::string Now() {
+    const time_t now = time(nullptr);
+    struct tm utc {};
+    gmtime_r(&now, &utc);
+    char text[32];
+    strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%SZ", &utc);
+    return text;
+}
+
+// A value of "in" or "out": a number, null, a text, a flag, or an array of
+// numbers.
+bool Plain(const json_t* value) {
+    if (json_is_array(value)) {
+        if (json_array_size(value) > kMostWords) {
+            return false;
+        }
+        size_t i;
+        const json_t* word;
+        json_array_foreach(value, i, word) {
+            if (!json_is_integer(word)) {
+                return false;
+            }
+        }
+        return true;
+    }
+    return json_is_number(value) || json_is_null(value) || json_is_boolean(value) ||
+           (json_is_string(value) && json_string_length(value) <= 2 * kLongestText);
+}
+
+std::string CheckCall(const json_t* call) {
+    if (!json_is_object(call)) {
+        return ": expected an object";
+    }
+    const char* key;
+    json_t* value;
+    json_object_foreach(const_cast<json_t*>(call), key, value) {
+        if (std::strcmp(key, "function") != 0 && std::strcmp(key, "in") != 0 &&
+            std::strcmp(key, "status") != 0 && std::strcmp(key, "out") != 0) {
+            return std::string(": unknown key \"") + key + "\"";
+        }
+    }
+    if (!json_is_string(json_object_get(call, "function"))) {
+        return ".function: expected a function's name";
+    }
+    const json_t* status = json_object_get(call, "status");
+    if (status != nullptr && !json_is_integer(status)) {
+        return ".status: expected a number";
+    }
+    for (const char* part : {"in", "out"}) {
+        const json_t* members = json_object_get(call, part);
+        if (!json_is_object(members)) {
+            return std::string(".") + part + ": expected an object";
+        }
+        json_object_foreach(const_cast<json_t*>(members), key, value) {
+            if (!Plain(value)) {
+                return std::string(".") + part + "." + key +
+                       ": expected a number, a text, null or up to 64 numbers";
+            }
+        }
+    }
+    // A text must fit the buffer the call gave.
+    const json_t* size = json_object_get(json_object_get(call, "in"), "length");
+    const json_t* out = json_object_get(call, "out");
+    const json_t* text = json_object_get(out, "buffer");
+    const json_t* hex = json_object_get(out, "hex");
+    const size_t bytes = text != nullptr ? json_string_length(text)
+                         : hex != nullptr ? json_string_length(hex) / 2
+                                          : 0;
+    const size_t room = json_is_integer(size) ? static_cast<size_t>(json_integer_value(size)) : 0;
+    if ((text != nullptr || hex != nullptr) && bytes > std::min(room, kLongestText)) {
+        return ".out." + std::string(text != nullptr ? "buffer" : "hex") + ": longer than the call's buffer (" +
+               std::to_string(room) + " bytes)";
+    }
+    return "";
+}
+
+// Stable placeholders: the same text gives the same placeholder throughout.
+class Placeholders {
+public:
+    // `text` with its letters as x and X and its digits those of a number
+    // counting the texts seen, so that it keeps its length and form.
+    std::string text(const std::string& original) {
+        auto [at, added] = texts_.emplace(original, "");
+        if (!added) {
+            return at->second;
+        }
+        size_t digits = 0;
+        for (char c : original) {
+            digits += std::isdigit(static_cast<unsigned char>(c)) != 0 ? 1 : 0;
+        }
+        std::string number = std::to_string(texts_.size());
+        number = digits > number.size() ? std::string(digits - number.size(), '0') + number
+                                        : number.substr(number.size() - digits);
+        std::string shaped;
+        size_t d = 0;
+        for (char c : original) {
+            const unsigned char u = static_cast<unsigned char>(c);
+            shaped += std::isdigit(u) != 0 ? number[d++]
+                      : std::isupper(u) != 0 ? 'X'
+                      : std::isalpha(u) != 0 ? 'x'
+                      : u >= 0x80            ? 'x'
+                                             : c;
+        }
+        return at->second = shaped;
+    }
+
+    // An IPv4 address from the documentation ranges (192.0.2.0/24 first),
+    // the same for the same address; 0.0.0.0 stays.
+    std::vector<json_int_t> address(const std::vector<json_int_t>& octets) {
+        if (octets == std::vector<json_int_t>{0, 0, 0, 0}) {
+            return octets;
+        }
+        auto [at, added] = addresses_.emplace(octets, std::vector<json_int_t>{});
+        if (added) {
+            static const json_int_t kRanges[][3] = {{192, 0, 2}, {198, 51, 100}, {203, 0, 113}};
+            const size_t n = addresses_.size();
+            const json_int_t* range = kRanges[((n - 1) / 254) % 3];
+            at->second = {range[0], range[1], range[2], static_cast<json_int_t>((n - 1) % 254 + 1)};
+        }
+        return at->second;
+    }
+
+    // A MAC address from the documentation range 00:00:5E:00:53:xx.
+    std::vector<json_int_t> mac(const std::vector<json_int_t>& words) {
+        auto [at, added] = macs_.emplace(words, std::vector<json_int_t>{});
+        if (added) {
+            at->second = {0x00, 0x00, 0x5E, 0x00, 0x53, static_cast<json_int_t>(macs_.size() & 0xFF)};
+        }
+        return at->second;
+    }
+
+private:
+    std::map<std::string, std::string> texts_;
+    std::map<std::vector<json_int_t>, std::vector<json_int_t>> addresses_;
+    std::map<std::vector<json_int_t>, std::vector<json_int_t>> macs_;
+};
+
+std::vector<json_int_t> Words(const json_t* array, size_t from, size_t count) {
+    std::vector<json_int_t> words;
+    for (size_t i = from; i < from + count && i < json_array_size(array); ++i) {
+        words.push_back(json_integer_value(json_array_get(array, i)));
+    }
+    return words;
+}
+
+void PutWords(json_t* array, size_t from, const std::vector<json_int_t>& words) {
+    for (size_t i = 0; i < words.size() && from + i < json_array_size(array); ++i) {
+        json_array_set_new(array, from + i, json_integer(words[i]));
+    }
+}
+
+// A text carried one character a word (a host or domain name).
+void RedactCharacters(json_t* words, Placeholders& placeholders) {
+    std::string text;
+    for (json_int_t c : Words(words, 0, json_array_size(words))) {
+        if (c == 0) {
+            break;
+        }
+        text += static_cast<char>(c & 0xFF);
+    }
+    const std::string shaped = placeholders.text(text);
+    for (size_t i = 0; i < shaped.size(); ++i) {
+        json_array_set_new(words, i, json_integer(static_cast<unsigned char>(shaped[i])));
+    }
+}
+
+}  // namespace
+
+Recording::~Recording() { json_decref(calls_); }
+
+bool IsRecording(const std::string& text) {
+    return text.find(std::string("\"") + kFormat + "\"") != std::string::npos;
+}
+
+std::string Recording::Key(const std::string& function, const json_t* in) {
+    char* dumped = json_dumps(in, JSON_COMPACT | JSON_SORT_KEYS);
+    std::string key = function + "\x1f" + (dumped != nullptr ? dumped : "");
+    std::free(dumped);
+    return key;
+}
+
+bool Recording::load(const std::string& text, std::string& error) {
+    json_error_t parse;
+    json_t* document = json_loads(text.c_str(), JSON_REJECT_DUPLICATES, &parse);
+    if (document == nullptr) {
+        error = "line " + std::to_string(parse.line) + ", column " + std::to_string(parse.column) +
+                ": " + parse.text;
+        return false;
+    }
+    const json_t* format = json_object_get(document, "format");
+    const json_t* version = json_object_get(document, "version");
+    const json_t* library = json_object_get(document, "library");
+    const json_t* calls = json_object_get(document, "calls");
+    if (!json_is_object(document) || !json_is_string(format) || std::strcmp(json_string_value(format), kFormat) != 0) {
+        error = std::string("format: expected \"") + kFormat + "\"";
+    } else if (!json_is_integer(version) || json_integer_value(version) != kVersion) {
+        error = "version: this simulator reads recordings of version " + std::to_string(kVersion);
+    } else if (!json_is_string(json_object_get(library, "generation"))) {
+        error = "library.generation: expected \"4\", \"3\" or \"eapi\"";
+    } else if (!json_is_array(calls)) {
+        error = "calls: expected an array";
+    }
+    size_t i;
+    json_t* call;
+    json_array_foreach(calls, i, call) {
+        const std::string problem = error.empty() ? CheckCall(call) : "";
+        if (!problem.empty()) {
+            error = "calls[" + std::to_string(i) + "]" + problem;
+        }
+    }
+    if (!error.empty()) {
+        json_decref(document);
+        return false;
+    }
+    name_ = json_string_value(json_object_get(library, "name")) != nullptr
+                ? json_string_value(json_object_get(library, "name"))
+                : "";
+    generation_ = json_string_value(json_object_get(library, "generation"));
+    path_ = json_string_value(json_object_get(library, "path")) != nullptr
+                ? json_string_value(json_object_get(library, "path"))
+                : "";
+    redacted_ = json_is_true(json_object_get(document, "redacted"));
+    json_array_foreach(calls, i, call) {
+        add(json_string_value(json_object_get(call, "function")),
+            json_incref(json_object_get(call, "in")), json_incref(json_object_get(call, "status")),
+            json_incref(json_object_get(call, "out")));
+    }
+    json_decref(document);
+    return true;
+}
+
+void Recording::setLibrary(const std::string& name, const std::string& generation, const std::string& path) {
+    name_ = name;
+    generation_ = generation;
+    path_ = path;
+}
+
+void Recording::add(const std::string& function, json_t* in, json_t* status, json_t* out) {
+    const auto [at, added] = index_.emplace(Key(function, in), json_array_size(calls_));
+    if (!added) {
+        json_decref(in);
+        json_decref(status);
+        json_decref(out);
+        return;
+    }
+    json_t* call = json_pack("{s:s, s:o}", "function", function.c_str(), "in", in);
+    if (status != nullptr) {
+        json_object_set_new(call, "status", status);
+    }
+    json_object_set_new(call, "out", out);
+    json_array_append_new(calls_, call);
+}
+
+std::optional<Recording::Answer> Recording::find(const std::string& function, const json_t* in) const {
+    const auto at = index_.find(Key(function, in));
+    if (at == index_.end()) {
+        return std::nullopt;
+    }
+    const json_t* call = json_array_get(calls_, at->second);
+    return Answer{json_object_get(call, "status"), json_object_get(call, "out")};
+}
+
+// What identifies a board or a site: its serial number and customer strings
+// (asset tags among them) with their labels, and the management network's
+// host and domain names, MAC address and IP addresses (not its masks).
+void Recording::redact() {
+    Placeholders placeholders;
+    size_t i;
+    json_t* call;
+    json_array_foreach(calls_, i, call) {
+        const std::string function = json_string_value(json_object_get(call, "function"));
+        const json_t* id = json_object_get(json_object_get(call, "in"), "id");
+        const uint32_t n = static_cast<uint32_t>(json_integer_value(id));
+        json_t* out = json_object_get(call, "out");
+        if (function.find("GetStringA") != std::string::npos && id != nullptr &&
+            (n == 3 || (n >= 16 && n <= 18) || (n >= 0x90000010 && n <= 0x90000012))) {
+            const json_t* text = json_object_get(out, "buffer");
+            if (text != nullptr) {
+                json_object_set_new(out, "buffer",
+                                    json_string(placeholders.text(json_string_value(text)).c_str()));
+            }
+            json_object_del(out, "hex");  // a text that is not UTF-8 is not kept
+        }
+        json_t* words = json_object_get(out, "words");
+        if (function != "VoraBoardGetValue" || words == nullptr) {
+            continue;
+        }
+        if (n == 0x12002 || n == 0x1200E) {
+            RedactCharacters(words, placeholders);
+        } else if (n == 0x12003) {
+            PutWords(words, 0, placeholders.mac(Words(words, 0, 6)));
+        } else if ((n >= 0x12004 && n <= 0x1200B && n != 0x12005 && n != 0x12009) || n == 0x1200F) {
+            PutWords(words, 0, placeholders.address(Words(words, 0, 4)));
+        }
+    }
+    redacted_ = true;
+}
+
+std::string Recording::text() const {
+    // The header, then one call a line, so that a person can read and edit it.
+    json_t* header = json_pack("{s:s, s:i, s:{s:s, s:s, s:s}, s:s, s:b}", "format", kFormat,
+                               "version", kVersion, "library", "name", name_.c_str(), "generation",
+                               generation_.c_str(), "path", path_.c_str(), "recorded", Now().c_str(),
+                               "redacted", redacted_);
+    char* dumped = json_dumps(header, JSON_COMPACT);
+    std::string text = dumped != nullptr ? dumped : "{}";
+    std::free(dumped);
+    json_decref(header);
+    text.pop_back();  // the closing brace
+    text += ",\n\"calls\": [";
+    size_t i;
+    json_t* call;
+    json_array_foreach(calls_, i, call) {
+        dumped = json_dumps(call, JSON_COMPACT | JSON_REAL_PRECISION(17));
+        text += std::string(i == 0 ? "\n" : ",\n") + (dumped != nullptr ? dumped : "{}");
+        std::free(dumped);
+    }
+    return text + "\n]}\n";
+}
+
+}  // namespace vorarec

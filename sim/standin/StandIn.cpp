@@ -1,0 +1,146 @@
+// The stand-in for a board library, made from the library's table: it
+// exports every function of the real library under the real file name,
+// opens the real library by its real path past the path redirection (which
+// points the module here when VORA_TRACE or VORA_RECORD is set), and passes
+// every call on to it unchanged. On the way back it
+// - with VORA_TRACE=1, prints the call to standard error as it returns, one
+//   line each, like ltrace: the function, what went in, the status, what
+//   came out and the time it took;
+// - with VORA_RECORD=FILE, keeps the answer to every distinct call and
+//   writes the recording to FILE when the library is shut down, and again
+//   at exit.
+// It is built once per library: STANDIN_TABLE, STANDIN_NAME (the library's
+// name) and STANDIN_GENERATION say which.
+#include <dlfcn.h>
+#include <time.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <string>
+
+#define VORADRV_TABLES_ONLY
+#include STANDIN_TABLE_HEADER
+#include "record/Calls.h"
+#include "record/Recording.h"
+
+namespace {
+
+constexpr uint32_t kSymbolMissing = 0xF0000000;
+
+struct StandIn {
+    StandIn() {
+        // The real library: where the redirection would have led the module.
+        using Target = const char* (*)(const char*);
+        using Open = void* (*)(const char*, int);
+        auto target = reinterpret_cast<Target>(dlsym(RTLD_DEFAULT, "voraredirect_standin_target"));
+        auto open = reinterpret_cast<Open>(dlsym(RTLD_DEFAULT, "voraredirect_dlopen_real"));
+        const char* path = target != nullptr ? target(STANDIN_NAME) : nullptr;
+        if (path != nullptr && *path != '\0' && open != nullptr) {
+            real = open(path, RTLD_LAZY | RTLD_LOCAL);
+            this->path = path;
+        }
+        if (real == nullptr) {
+            std::fprintf(stderr, "voradrv stand-in: cannot open the real %s%s%s\n", STANDIN_NAME,
+                         path != nullptr ? " at " : "", path != nullptr ? path : "");
+        }
+        const char* t = std::getenv("VORA_TRACE");
+        trace = t != nullptr && std::strcmp(t, "1") == 0;
+        const char* r = std::getenv("VORA_RECORD");
+        recordTo = r != nullptr ? r : "";
+        recording.setLibrary(STANDIN_NAME, STANDIN_GENERATION, this->path);
+    }
+    ~StandIn() { save(); }
+
+    // The real library's function `name`, or null when it lacks it.
+    void* symbol(const char* name) const { return real != nullptr ? dlsym(real, name) : nullptr; }
+
+    void save() {
+        if (!recordTo.empty()) {
+            std::ofstream(recordTo, std::ios::trunc) << recording.text();
+        }
+    }
+
+    void* real = nullptr;
+    std::string path;
+    bool trace = false;
+    std::string recordTo;
+    vorarec::Recording recording;
+};
+
+StandIn& State() {
+    static StandIn state;
+    return state;
+}
+
+double Seconds() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+template <typename Result, typename... Args>
+struct Intercept {
+    const vorarec::Signature& signature;
+    Result (*real)(Args...);
+
+    // Passes the call on, then traces and records it.
+    Result operator()(Args... args) const {
+        json_t* in = vorarec::Inputs(signature, args...);
+        const size_t size = vorarec::detail::BufferSize(signature, args...);
+        const double start = Seconds();
+        if constexpr (std::is_void_v<Result>) {
+            if (real != nullptr) {
+                real(args...);
+            }
+            done(in, nullptr, Seconds() - start, vorarec::Outputs(signature, size, args...));
+        } else {
+            const Result result = real != nullptr ? real(args...) : kSymbolMissing;
+            done(in, json_integer(result), Seconds() - start, vorarec::Outputs(signature, size, args...));
+            return result;
+        }
+    }
+
+    void done(json_t* in, json_t* status, double took, json_t* out) const {
+        StandIn& state = State();
+        if (state.trace) {
+            std::fprintf(stderr, "%s\n", vorarec::TraceLine(signature, in, status, out, took).c_str());
+        }
+        if (state.recordTo.empty()) {
+            json_decref(in);
+            json_decref(status);
+            json_decref(out);
+            return;
+        }
+        state.recording.add(signature.function, in, status, out);
+        // A shut-down is where a host stops using the library: the
+        // recording is whole there (and is written again at exit).
+        if (signature.function.find("UnInit") != std::string::npos ||
+            signature.function.find("Uninit") != std::string::npos) {
+            state.save();
+        }
+    }
+};
+
+template <typename Result, typename... Args>
+Intercept<Result, Args...> Through(const vorarec::Signature& signature, Result (*real)(Args...)) {
+    return {signature, real};
+}
+
+}  // namespace
+
+// The file this stand-in stands in front of, for a host that asks which
+// board library it is using.
+extern "C" {
+__attribute__((visibility("default"))) const char* vora_standin_target = nullptr;
+}
+
+#define STANDIN_FUNCTION(result, name, parameters, arguments)                                 \
+    extern "C" __attribute__((visibility("default"))) result name parameters {               \
+        static const vorarec::Signature signature(#name, #parameters);                        \
+        static const auto real = reinterpret_cast<result(*) parameters>(State().symbol(#name)); \
+        vora_standin_target = State().path.c_str();                                           \
+        return Through(signature, real) arguments;                                            \
+    }
+STANDIN_TABLE(STANDIN_FUNCTION, STANDIN_FUNCTION)
