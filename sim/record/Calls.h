@@ -75,19 +75,25 @@ uint32_t IdOf(First first, Rest...) {
 }
 inline uint32_t IdOf() { return 0; }
 
+// Calls visit(name, argument) for each argument of a call, with the name
+// the table gives its parameter.
+template <typename Visit, typename... Args>
+void EachArgument(const Signature& s, Visit&& visit, Args... args) {
+    [[maybe_unused]] size_t i = 0;
+    (void)std::initializer_list<int>{(visit(s.params[i++].name, args), 0)...};
+}
+
 // The size of the call's text buffer: the `length` that goes in.
 template <typename... Args>
 size_t BufferSize(const Signature& s, Args... args) {
     size_t size = 0;
-    [[maybe_unused]] size_t i = 0;
-    (void)std::initializer_list<int>{([&] {
-        if constexpr (std::is_same_v<Args, unsigned int*>) {
-            if (s.params[i].name == "length" && args != nullptr) {
-                size = *args;
+    EachArgument(s, [&](const std::string& name, auto arg) {
+        if constexpr (std::is_same_v<decltype(arg), unsigned int*>) {
+            if (name == "length" && arg != nullptr) {
+                size = *arg;
             }
         }
-        ++i;
-    }(), 0)...};
+    }, args...);
     return size;
 }
 
@@ -98,28 +104,27 @@ size_t BufferSize(const Signature& s, Args... args) {
 template <typename... Args>
 json_t* Inputs(const Signature& s, Args... args) {
     json_t* in = json_object();
-    [[maybe_unused]] const uint32_t id = detail::IdOf(args...);
-    [[maybe_unused]] size_t i = 0;
-    (void)std::initializer_list<int>{([&] {
-        const std::string& name = s.params[i++].name;
-        if constexpr (std::is_pointer_v<Args>) {
-            if (args == nullptr) {
+    const uint32_t id = detail::IdOf(args...);
+    detail::EachArgument(s, [&](const std::string& name, auto arg) {
+        using Arg = decltype(arg);
+        if constexpr (std::is_pointer_v<Arg>) {
+            if (arg == nullptr) {
                 json_object_set_new(in, name.c_str(), json_null());
-            } else if constexpr (std::is_same_v<Args, unsigned int*>) {
+            } else if constexpr (std::is_same_v<Arg, unsigned int*>) {
                 if (name == "length") {
-                    json_object_set_new(in, name.c_str(), json_integer(*args));
+                    json_object_set_new(in, name.c_str(), json_integer(*arg));
                 } else if (name == "words" && s.writes) {
                     json_t* words = json_array();
                     for (size_t w = 0; w < WordCount(id); ++w) {
-                        json_array_append_new(words, json_integer(args[w]));
+                        json_array_append_new(words, json_integer(arg[w]));
                     }
                     json_object_set_new(in, name.c_str(), words);
                 }
             }
         } else {
-            json_object_set_new(in, name.c_str(), detail::Number(args));
+            json_object_set_new(in, name.c_str(), detail::Number(arg));
         }
-    }(), 0)...};
+    }, args...);
     return in;
 }
 
@@ -127,30 +132,26 @@ json_t* Inputs(const Signature& s, Args... args) {
 template <typename... Args>
 json_t* Outputs(const Signature& s, [[maybe_unused]] size_t bufferSize, Args... args) {
     json_t* out = json_object();
-    [[maybe_unused]] const uint32_t id = detail::IdOf(args...);
-    [[maybe_unused]] size_t i = 0;
-    (void)std::initializer_list<int>{([&] {
-        const std::string& name = s.params[i++].name;
-        if constexpr (std::is_pointer_v<Args>) {
-            using T = std::remove_pointer_t<Args>;
-            if (args == nullptr) {
+    const uint32_t id = detail::IdOf(args...);
+    detail::EachArgument(s, [&](const std::string& name, auto arg) {
+        using Arg = decltype(arg);
+        if constexpr (std::is_pointer_v<Arg>) {
+            if (arg == nullptr) {
                 return;
             }
-            if constexpr (std::is_same_v<T, char>) {
-                PutText(out, args, bufferSize);
-            } else if (name == "words") {
-                if (!s.writes) {
-                    json_t* words = json_array();
-                    for (size_t w = 0; w < WordCount(id); ++w) {
-                        json_array_append_new(words, detail::Number(args[w]));
-                    }
-                    json_object_set_new(out, name.c_str(), words);
+            if constexpr (std::is_same_v<Arg, char*>) {
+                PutText(out, arg, bufferSize);
+            } else if (name != "words") {
+                json_object_set_new(out, name.c_str(), detail::Number(*arg));
+            } else if (!s.writes) {
+                json_t* words = json_array();
+                for (size_t w = 0; w < WordCount(id); ++w) {
+                    json_array_append_new(words, detail::Number(arg[w]));
                 }
-            } else {
-                json_object_set_new(out, name.c_str(), detail::Number(*args));
+                json_object_set_new(out, name.c_str(), words);
             }
         }
-    }(), 0)...};
+    }, args...);
     return out;
 }
 
@@ -158,27 +159,27 @@ json_t* Outputs(const Signature& s, [[maybe_unused]] size_t bufferSize, Args... 
 template <typename... Args>
 void Apply(const Signature& s, [[maybe_unused]] const json_t* out, [[maybe_unused]] size_t bufferSize,
            Args... args) {
-    [[maybe_unused]] const uint32_t id = detail::IdOf(args...);
-    [[maybe_unused]] size_t i = 0;
-    (void)std::initializer_list<int>{([&] {
-        const std::string& name = s.params[i++].name;
-        if constexpr (std::is_pointer_v<Args>) {
-            using T = std::remove_pointer_t<Args>;
-            if (args == nullptr) {
+    const uint32_t id = detail::IdOf(args...);
+    detail::EachArgument(s, [&](const std::string& name, auto arg) {
+        using Arg = decltype(arg);
+        if constexpr (std::is_pointer_v<Arg>) {
+            if (arg == nullptr) {
                 return;
             }
-            if constexpr (std::is_same_v<T, char>) {
-                TakeText(out, args, bufferSize);
-            } else if (name == "words") {
+            if constexpr (std::is_same_v<Arg, char*>) {
+                TakeText(out, arg, bufferSize);
+            } else if (name != "words") {
+                if (const json_t* value = json_object_get(out, name.c_str())) {
+                    detail::Take(value, arg);
+                }
+            } else {
                 const json_t* words = json_object_get(out, "words");
                 for (size_t w = 0; w < WordCount(id) && w < json_array_size(words); ++w) {
-                    detail::Take(json_array_get(words, w), &args[w]);
+                    detail::Take(json_array_get(words, w), &arg[w]);
                 }
-            } else if (const json_t* value = json_object_get(out, name.c_str())) {
-                detail::Take(value, args);
             }
         }
-    }(), 0)...};
+    }, args...);
 }
 
 // One trace line: "Name(in) = status -> out <seconds>".
