@@ -33,6 +33,7 @@ const char kUsage[] =
     "                                    every readable item for monitoring\n"
     "  record [--redact] [--output FILE] the board library's answers, as a file\n"
     "                                    that --sim=FILE replays\n"
+    "  serve [--listen ADDR:PORT]        the board as a Prometheus target\n"
     "\n"
     "ITEM is an item id (0x1020201 or 16908801) or a path as \"list\" shows it,\n"
     "whole (\"Hardware Monitor/Voltage/VCORE\") or by its last parts when they\n"
@@ -158,6 +159,19 @@ const std::map<std::string, CommandSpec> kCommands = {
       "  --output FILE  where to write it, as export writes (default: standard\n"
       "                 output)\n",
       {"--redact", "--output"}, 0, 0}},
+    {"serve",
+     {"Usage: voractl serve [--listen ADDRESS:PORT]\n\n"
+      "Serve the board's metrics over HTTP for Prometheus, until SIGTERM or\n"
+      "Ctrl-C. The module is loaded once; every scrape of /metrics reads every\n"
+      "item again and answers with the families of \"export --format prometheus\"\n"
+      "and voradrv_up, voradrv_scrape_duration_seconds. OpenMetrics when the\n"
+      "scraper asks for it, gzip when it accepts it. Nothing over HTTP changes\n"
+      "the board. A module that does not come up is tried again, and meanwhile\n"
+      "voradrv_up is 0.\n\n"
+      "  --listen ADDRESS:PORT  where to listen (default 127.0.0.1:19719);\n"
+      "                         \"[::1]:PORT\" for IPv6, \":PORT\" for every\n"
+      "                         address, port 0 for any free one\n",
+      {"--listen"}, 0, 0}},
 };
 
 [[noreturn]] void Print(const char* text) {
@@ -242,6 +256,8 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
                                 true);
             }
             options.format = value;
+        } else if (OptionValue(arg, "--listen", i, argc, argv, value)) {
+            options.listen = value;
         } else if (OptionValue(arg, "--output", i, argc, argv, value)) {
             if (value.empty()) {
                 throw ToolError("--output needs a file name (- for standard output)", true);
@@ -327,7 +343,7 @@ Options ParseOptions(int argc, char** argv) {
         const auto topic = kCommands.find(argv[i]);
         if (topic == kCommands.end() || i + 1 < argc) {
             throw ToolError("no help on \"" + std::string(argv[i]) + "\"; commands: info, caps, "
-                            "list, get, set, watch, export, record", true);
+                            "list, get, set, watch, export, record, serve", true);
         }
         Print(topic->second.help);
     }

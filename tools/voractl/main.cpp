@@ -10,6 +10,7 @@
 #include "Format.h"
 #include "Options.h"
 #include "Record.h"
+#include "Serve.h"
 #include "Session.h"
 #include "Simulation.h"
 #include "Watch.h"
@@ -20,7 +21,9 @@ namespace {
 
 int Run(const Options& options) {
     Session session(options.modulePath, options.quiet, options.raw);
-    session.open();
+    if (options.command != "serve") {
+        session.open();  // serve keeps serving, and retrying, when it cannot
+    }
     Context context{session, options, stdout, Style(options.color, stdout)};
     const std::string& command = options.command;
     int exitStatus = 0;
@@ -38,6 +41,8 @@ int Run(const Options& options) {
         exitStatus = Watch(context);
     } else if (command == "record") {
         exitStatus = Record(context);
+    } else if (command == "serve") {
+        exitStatus = Serve(context);
     } else {
         exitStatus = Export(context);
     }

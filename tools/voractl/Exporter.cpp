@@ -1,0 +1,119 @@
+#include "Exporter.h"
+
+#include <time.h>
+
+#include <cstdio>
+#include <sstream>
+
+#include "Prometheus.h"
+#include "Reading.h"
+#include "Session.h"
+
+namespace voractl {
+
+namespace {
+
+double Seconds() {
+    timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
+}
+
+std::string Gauge(const char* name, const char* help, const std::string& value) {
+    return std::string("# HELP ") + name + " " + help + "\n# TYPE " + name + " gauge\n" + name +
+           " " + value + "\n";
+}
+
+}  // namespace
+
+std::string Exporter::read() {
+    const double start = Seconds();
+    std::string text;
+    bool up = false;
+    {
+        std::lock_guard<std::mutex> lock(module_);
+        if (session_.opened()) {
+            const std::vector<Reading> readings = session_.readAll(session_.items());
+            // Up: the board library answered every item of this scrape. A
+            // library that starts failing is down, with the items it still
+            // answers published and the others counted as unreadable.
+            up = true;
+            for (const Reading& reading : readings) {
+                up = up && reading.value != nullptr;
+            }
+            text = PrometheusText(readings);
+        } else {
+            text = Gauge("voradrv_unreadable_items", "Items of the board that could not be read.",
+                         "0");
+        }
+    }
+    char duration[32];
+    std::snprintf(duration, sizeof duration, "%.6f", Seconds() - start);
+    return text +
+           Gauge("voradrv_up", "1 when the module is up and its board library answered every item.",
+                 up ? "1" : "0") +
+           Gauge("voradrv_scrape_duration_seconds", "Time this scrape took to read the board.",
+                 duration);
+}
+
+std::shared_ptr<const std::string> Exporter::scrape() {
+    std::unique_lock<std::mutex> lock(shared_);
+    if (reading_) {
+        const uint64_t under_way = readings_;
+        done_.wait(lock, [&] { return readings_ != under_way; });
+        return latest_;
+    }
+    reading_ = true;
+    lock.unlock();
+    std::shared_ptr<const std::string> result;
+    try {
+        result = std::make_shared<const std::string>(read());
+    } catch (...) {
+        lock.lock();
+        reading_ = false;
+        ++readings_;
+        done_.notify_all();
+        throw;
+    }
+    lock.lock();
+    latest_ = result;
+    reading_ = false;
+    ++readings_;
+    done_.notify_all();
+    return result;
+}
+
+uint32_t Exporter::tryOpen() {
+    std::lock_guard<std::mutex> lock(module_);
+    return session_.opened() ? 0 : session_.tryOpen();
+}
+
+bool Exporter::opened() {
+    std::lock_guard<std::mutex> lock(module_);
+    return session_.opened();
+}
+
+void Exporter::close() {
+    std::lock_guard<std::mutex> lock(module_);
+    session_.close();
+}
+
+std::string OpenMetricsText(const std::string& text) {
+    // Only counters end in "_total" in our exposition (the naming guide's
+    // rule), so every such family is a counter's.
+    std::istringstream in(text);
+    std::string line;
+    std::string out;
+    while (std::getline(in, line)) {
+        if (line.rfind("# HELP ", 0) == 0 || line.rfind("# TYPE ", 0) == 0) {
+            const size_t end = line.find(' ', 7);
+            if (end != std::string::npos && end >= 7 + 6 && line.compare(end - 6, 6, "_total") == 0) {
+                line.erase(end - 6, 6);
+            }
+        }
+        out += line + "\n";
+    }
+    return out + "# EOF\n";
+}
+
+}  // namespace voractl

@@ -1,0 +1,87 @@
+#include "Serve.h"
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <signal.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "Exporter.h"
+#include "Format.h"
+#include "Http.h"
+#include "Session.h"
+
+namespace voractl {
+
+namespace {
+
+// "127.0.0.1:19719" or "[::1]:19719", with the port actually bound.
+std::string AddressText(const ListenAddress& listen, unsigned port) {
+    char host[INET6_ADDRSTRLEN] = "";
+    if (listen.address.ss_family == AF_INET6) {
+        inet_ntop(AF_INET6, &reinterpret_cast<const sockaddr_in6*>(&listen.address)->sin6_addr, host,
+                  sizeof host);
+        return "[" + std::string(host) + "]:" + std::to_string(port);
+    }
+    inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(&listen.address)->sin_addr, host,
+              sizeof host);
+    return std::string(host) + ":" + std::to_string(port);
+}
+
+}  // namespace
+
+int Serve(Context& context) {
+    const ListenAddress listen =
+        ParseListenAddress(context.options.listen.empty() ? kDefaultListen : context.options.listen);
+
+    // SIGTERM and SIGINT are taken by this thread alone, between scrapes'
+    // work on others; a client that goes away never raises SIGPIPE.
+    sigset_t stop;
+    sigemptyset(&stop);
+    sigaddset(&stop, SIGTERM);
+    sigaddset(&stop, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &stop, nullptr);
+    signal(SIGPIPE, SIG_IGN);
+
+    Exporter exporter(context.session);
+    uint32_t status = exporter.tryOpen();
+    if (status != 0) {
+        std::fprintf(stderr, "voractl: the module did not come up (%s); serving voradrv_up 0 and "
+                             "trying again\n", StatusText(status).c_str());
+    }
+    {
+        HttpServer server(listen, HttpLimits{}, [&exporter] { return exporter.scrape(); });
+        std::fprintf(stderr, "voractl: serving the board's metrics on http://%s/metrics\n",
+                     AddressText(listen, server.port()).c_str());
+        // A module that did not come up is tried again after 1, 2, 4, ...
+        // seconds, a minute at most between tries.
+        long delay = 1;
+        for (;;) {
+            const timespec wait{exporter.opened() ? 3600 : delay, 0};
+            const int signal = sigtimedwait(&stop, nullptr, &wait);
+            if (signal == SIGTERM || signal == SIGINT) {
+                break;
+            }
+            if (signal < 0 && errno != EAGAIN && errno != EINTR) {
+                throw ToolError(std::string("cannot wait for signals: ") + std::strerror(errno));
+            }
+            if (!exporter.opened()) {
+                status = exporter.tryOpen();
+                if (status == 0) {
+                    std::fprintf(stderr, "voractl: the module came up\n");
+                    delay = 1;
+                } else {
+                    delay = std::min(delay * 2, 60L);
+                }
+            }
+        }
+        std::fprintf(stderr, "voractl: stopping\n");
+    }  // every connection closed, its thread ended
+    exporter.close();
+    return 0;
+}
+
+}  // namespace voractl
