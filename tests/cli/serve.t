@@ -87,8 +87,10 @@ library's uninitialise is the last call), no process left behind:
   exit 0
   $ grep -v '^voractl' serve.err | tail -1 | sed 's/ <.*//'
   VoraLibUninitialize() = 0x0
-  $ pgrep -f 'voractl.*serve --listen' || echo none
-  none
+  $ kill -0 $server 2> /dev/null || echo gone
+  gone
+  $ curl -s $url/metrics || echo "nothing listens"
+  nothing listens
 
 A board library that starts failing is down, with what it still answers
 published and the rest counted. This board's second voltage fails after two
