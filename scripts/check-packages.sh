@@ -31,6 +31,14 @@ set -x
 grep -q '^voradrv_board_info{.*board_name="VB-4410"' "$scratch/voradrv.prom" || fail "export"
 contents=$(dpkg-deb -c "$build"/voradrv-tools_*.deb)
 grep -q ' ./usr/share/man/man1/voractl.1.gz$' <<<"$contents" || fail "no man page in voradrv-tools"
+for unit in voradrv-exporter.service voradrv-textfile.service voradrv-textfile.timer; do
+    [ -f "/usr/lib/systemd/system/$unit" ] || fail "$unit is not installed"
+done
+if command -v systemd-analyze > /dev/null; then
+    systemd-analyze verify --man=no /usr/lib/systemd/system/voradrv-{exporter.service,textfile.service,textfile.timer} ||
+        fail "systemd-analyze refuses the installed units"
+fi
+[ -f /usr/share/voradrv/prometheus/voradrv.rules.yml ] || fail "the alerting rules are not installed"
 
 # A host built against the installed development files.
 # shellcheck disable=SC2046

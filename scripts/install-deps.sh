@@ -3,18 +3,19 @@
 #   install-deps.sh [--tests] [EXTRA_PACKAGE...]
 # Without --tests: what building the module, the simulator and voractl
 # needs (voractl serve is built on libmicrohttpd and zlib). With --tests,
-# also what only the tests use: GoogleTest; curl, the HTTP client of the
-# exporter's tests; cram
-# (python3-cram), which runs voractl's transcripts; promtool (package
-# prometheus), which checks voractl's Prometheus export, and
-# prometheus-node-exporter, which serves it in an end-to-end test (where
-# systemd runs, installing them starts their services).
+# also what only the tests use: GoogleTest; cram (python3-cram), which runs
+# voractl's transcripts; curl, the exporter's HTTP client in them; promtool
+# and the Prometheus server (package prometheus), which check the exports,
+# the alerting rules and scrape the exporter; prometheus-node-exporter,
+# which serves the textfile export; systemd, whose systemd-analyze checks
+# the service files (where systemd runs, installing these starts their
+# services).
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config libjansson-dev libmicrohttpd-dev zlib1g-dev)
 if [ "${1:-}" = --tests ]; then
     shift
-    packages+=(binutils googletest libgtest-dev libgmock-dev python3-cram curl prometheus
+    packages+=(binutils googletest libgtest-dev libgmock-dev python3-cram curl systemd prometheus
                prometheus-node-exporter)
 fi
 packages+=("$@")

@@ -20,7 +20,7 @@ when the module or the board failed, 2 for a wrong command line.
   voractl: cannot read the board profile /nonexistent.json: No such file or directory
   [1]
   $ voractl help bogus
-  voractl: no help on "bogus"; commands: info, caps, list, get, set, watch, export, record
+  voractl: no help on "bogus"; commands: info, caps, list, get, set, watch, export, record, serve
   [2]
   $ voractl help set | head -1
   Usage: voractl set [--json] [--force] NAME=VALUE...
@@ -96,6 +96,9 @@ Every command reports it, and exits 1:
   # HELP voradrv_voltage_volts Voltage sensor reading, in volts.
   # TYPE voradrv_voltage_volts gauge
   voradrv_voltage_volts{sensor="VCORE"} 1
+  # HELP voradrv_voltage_max_volts The sensor's published maximum.
+  # TYPE voradrv_voltage_max_volts gauge
+  voradrv_voltage_max_volts{sensor="VCORE"} 50
   # HELP voradrv_unreadable_items Items of the board that could not be read.
   # TYPE voradrv_unreadable_items gauge
   voradrv_unreadable_items 1

@@ -101,12 +101,12 @@ reads (initialise makes the first):
   >  "faults": [{"function": "VoraBoardGetValue", "arg": "0x21001", "status": "0x1234", "after": 2}]}
   > JSON
   $ serve --sim=failing.json --quiet
-  $ curl -s $url/metrics | grep -E '^voradrv_(up|unreadable|voltage)'
+  $ curl -s $url/metrics | grep -E '^voradrv_(up|unreadable|voltage_volts)'
   voradrv_voltage_volts{sensor="VCORE"} 1
   voradrv_voltage_volts{sensor="VCORE2"} 2
   voradrv_unreadable_items 0
   voradrv_up 1
-  $ curl -s $url/metrics | grep -E '^voradrv_(up|unreadable|voltage)'
+  $ curl -s $url/metrics | grep -E '^voradrv_(up|unreadable|voltage_volts)'
   voradrv_voltage_volts{sensor="VCORE"} 1
   voradrv_unreadable_items 1
   voradrv_up 0

@@ -49,8 +49,13 @@ blocks under one id, and reads a lit panel as 0:
   voradrv_voltage_volts{sensor="V5"} 5.034
   voradrv_voltage_volts{sensor="V12"} 12.05
   voradrv_voltage_volts{sensor="VBAT"} 3.011
+  voradrv_voltage_max_volts{sensor="V5"} 15
+  voradrv_voltage_max_volts{sensor="V12"} 15
+  voradrv_voltage_max_volts{sensor="VBAT"} 15
   voradrv_temperature_celsius{sensor="CPU"} 45.8
   voradrv_temperature_celsius{sensor="ChipSet"} 39.5
+  voradrv_temperature_max_celsius{sensor="CPU"} 100
+  voradrv_temperature_max_celsius{sensor="ChipSet"} 100
   $ vora export --format senml | grep -A2 Temperature
       "n": "Hardware_Monitor/Temperature/CPU",
       "u": "Cel",

@@ -23,6 +23,9 @@ struct Metric {
     std::string help;
     std::string type = "gauge";
     double scale = 1.0;
+    // The family of the element's published maximum, for sensors (empty:
+    // none), so that an alert can compare a reading with it.
+    std::string maximum = "";
 };
 
 std::string Escaped(const std::string& text) {
@@ -67,10 +70,14 @@ std::string WithoutRepeat(const std::string& prefix, std::string name) {
 
 Metric HardwareMonitorMetric(const Item& item) {
     static const std::map<std::string, Metric> kSensors = {
-        {"Cel", {"voradrv_temperature_celsius", "Temperature sensor reading, in degrees Celsius."}},
-        {"V", {"voradrv_voltage_volts", "Voltage sensor reading, in volts."}},
-        {"RPM", {"voradrv_fan_rpm", "Fan speed, in revolutions per minute."}},
-        {"A", {"voradrv_current_amperes", "Current sensor reading, in amperes."}}};
+        {"Cel", {"voradrv_temperature_celsius", "Temperature sensor reading, in degrees Celsius.",
+                 "gauge", 1.0, "voradrv_temperature_max_celsius"}},
+        {"V", {"voradrv_voltage_volts", "Voltage sensor reading, in volts.", "gauge", 1.0,
+               "voradrv_voltage_max_volts"}},
+        {"RPM", {"voradrv_fan_rpm", "Fan speed, in revolutions per minute.", "gauge", 1.0,
+                 "voradrv_fan_max_rpm"}},
+        {"A", {"voradrv_current_amperes", "Current sensor reading, in amperes.", "gauge", 1.0,
+               "voradrv_current_max_amperes"}}};
     const auto found = kSensors.find(item.unit);
     if (found != kSensors.end()) {
         return found->second;
@@ -249,6 +256,10 @@ std::string PrometheusText(const std::vector<Reading>& readings) {
                                                         : Label(GroupLabel(item), item.group);
         exposition.add(metric.name, metric.help, metric.type, labels,
                        Number(number * metric.scale), item.id);
+        if (!metric.maximum.empty() && item.maximum) {
+            exposition.add(metric.maximum, "The sensor's published maximum.", "gauge", labels,
+                           Number(*item.maximum), item.id);
+        }
     }
     if (!board.text().empty()) {
         exposition.add("voradrv_board_info", "Board strings of the platform information.",
