@@ -4,7 +4,8 @@
 # Without --tests: what building the module, the simulator and voractl
 # needs (voractl serve is built on libmicrohttpd and zlib). With --tests,
 # also what only the tests use: GoogleTest; cram (python3-cram), which runs
-# voractl's transcripts; curl, the exporter's HTTP client in them; promtool
+# voractl's transcripts; curl and openssl, the exporter's HTTP client and
+# its test certificate; promtool
 # and the Prometheus server (package prometheus), which check the exports,
 # the alerting rules and scrape the exporter; prometheus-node-exporter,
 # which serves the textfile export; systemd, whose systemd-analyze checks
@@ -15,7 +16,7 @@ set -euo pipefail
 packages=(cmake g++ make pkg-config libjansson-dev libmicrohttpd-dev zlib1g-dev)
 if [ "${1:-}" = --tests ]; then
     shift
-    packages+=(binutils googletest libgtest-dev libgmock-dev python3-cram curl systemd prometheus
+    packages+=(binutils googletest libgtest-dev libgmock-dev python3-cram curl openssl systemd prometheus
                prometheus-node-exporter)
 fi
 packages+=("$@")

@@ -33,6 +33,9 @@ expect "auto|always" --color = a
 expect "prometheus" --sim export --format p
 expect "int|real|string" --sim get --type ""
 expect "--count" --sim watch --c
+expect "--listen" --sim serve --l
+expect "record" --sim rec
+expect "--redact" record --r
 expect 'Platform\ Information/Board\ name' --sim get 'Platform\ Information/Board\ n'
 expect 'Hardware\ Monitor/Fan\ Speed/CPU|Hardware\ Monitor/Fan\ Speed/System' \
     --sim get 'Hardware\ Monitor/Fan'

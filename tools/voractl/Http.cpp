@@ -5,7 +5,10 @@
 #include <netinet/in.h>
 #include <zlib.h>
 
+#include <cstdarg>
+#include <cstdio>
 #include <cstring>
+#include <vector>
 
 #include "Format.h"
 #include "Exporter.h"
@@ -26,6 +29,7 @@ const char kLandingPage[] =
     "</body>\n"
     "</html>\n";
 
+const char kUnauthorised[] = "Unauthorised: give a user and password of the web configuration.\n";
 const char kTextFormat[] = "text/plain; version=0.0.4; charset=utf-8";
 const char kOpenMetricsFormat[] = "application/openmetrics-text; version=1.0.0; charset=utf-8";
 
@@ -98,6 +102,7 @@ MHD_Result Answer(MHD_Connection* connection, unsigned status, const std::string
 
 struct HttpServer::Handler {
     Scrape scrape;
+    WebConfig web;
 
     // A request's state between libmicrohttpd's calls: whether it came
     // with a body.
@@ -118,7 +123,37 @@ struct HttpServer::Handler {
             *uploadSize = 0;
             return MHD_YES;
         }
-        return static_cast<Handler*>(self)->answer(connection, url, method, request->body);
+        Handler* handler = static_cast<Handler*>(self);
+        if (!handler->web.users.empty() && !handler->authorised(connection)) {
+            MHD_Response* response = MHD_create_response_from_buffer(
+                sizeof kUnauthorised - 1, const_cast<char*>(kUnauthorised), MHD_RESPMEM_PERSISTENT);
+            if (response == nullptr) {
+                return MHD_NO;
+            }
+            MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, "text/plain; charset=utf-8");
+            const MHD_Result queued = MHD_queue_basic_auth_fail_response(connection, "voradrv", response);
+            MHD_destroy_response(response);
+            return queued;
+        }
+        return handler->answer(connection, url, method, request->body);
+    }
+
+    bool authorised(MHD_Connection* connection) const {
+        char* password = nullptr;
+        char* user = MHD_basic_auth_get_username_password(connection, &password);
+        const bool allowed = user != nullptr && password != nullptr && web.allows(user, password);
+        MHD_free(user);
+        MHD_free(password);
+        return allowed;
+    }
+
+    // libmicrohttpd's own messages, on standard error with their source.
+    static void Log(void*, const char* format, va_list arguments) {
+        char text[512];
+        std::vsnprintf(text, sizeof text, format, arguments);
+        const size_t length = std::strlen(text);
+        std::fprintf(stderr, "libmicrohttpd: %s%s", text,
+                     length > 0 && text[length - 1] == '\n' ? "" : "\n");
     }
 
     static void Done(void*, MHD_Connection*, void** state, MHD_RequestTerminationCode) {
@@ -219,8 +254,9 @@ ListenAddress ParseListenAddress(const std::string& text) {
     return listen;
 }
 
-HttpServer::HttpServer(const ListenAddress& listen, const HttpLimits& limits, Scrape scrape)
-    : handler_(new Handler{std::move(scrape)}) {
+HttpServer::HttpServer(const ListenAddress& listen, const HttpLimits& limits,
+                       const WebConfig& web, Scrape scrape)
+    : handler_(new Handler{std::move(scrape), web}) {
     unsigned flags = MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_THREAD_PER_CONNECTION |
                      MHD_USE_ERROR_LOG;
     if (listen.address.ss_family == AF_INET6) {
@@ -232,13 +268,32 @@ HttpServer::HttpServer(const ListenAddress& listen, const HttpLimits& limits, Sc
     const uint16_t port = ntohs(listen.address.ss_family == AF_INET6
                                     ? reinterpret_cast<const sockaddr_in6*>(address)->sin6_port
                                     : reinterpret_cast<const sockaddr_in*>(address)->sin_port);
+    std::vector<MHD_OptionItem> tls;
+    if (handler_->web.tls()) {
+        if (MHD_is_feature_supported(MHD_FEATURE_TLS) != MHD_YES) {
+            throw ToolError("this libmicrohttpd was built without TLS");
+        }
+        flags |= MHD_USE_TLS;
+        tls.push_back({MHD_OPTION_HTTPS_MEM_CERT, 0, const_cast<char*>(handler_->web.certificate.c_str())});
+        tls.push_back({MHD_OPTION_HTTPS_MEM_KEY, 0, const_cast<char*>(handler_->web.key.c_str())});
+        if (!handler_->web.priorities.empty()) {
+            tls.push_back({MHD_OPTION_HTTPS_PRIORITIES, 0,
+                           const_cast<char*>(handler_->web.priorities.c_str())});
+        }
+    }
+    tls.push_back({MHD_OPTION_END, 0, nullptr});
+    errno = 0;
     daemon_ = MHD_start_daemon(
-        flags, port, nullptr, nullptr, &Handler::Call, handler_.get(), MHD_OPTION_SOCK_ADDR,
-        address, MHD_OPTION_CONNECTION_LIMIT, limits.connections, MHD_OPTION_CONNECTION_TIMEOUT,
+        flags, port, nullptr, nullptr, &Handler::Call, handler_.get(), MHD_OPTION_EXTERNAL_LOGGER,
+        &Handler::Log, nullptr, MHD_OPTION_SOCK_ADDR, address, MHD_OPTION_CONNECTION_LIMIT, limits.connections, MHD_OPTION_CONNECTION_TIMEOUT,
         limits.timeoutSeconds, MHD_OPTION_CONNECTION_MEMORY_LIMIT, limits.requestBytes,
-        MHD_OPTION_NOTIFY_COMPLETED, &Handler::Done, nullptr, MHD_OPTION_END);
+        MHD_OPTION_NOTIFY_COMPLETED, &Handler::Done, nullptr, MHD_OPTION_ARRAY, tls.data(),
+        MHD_OPTION_END);
     if (daemon_ == nullptr) {
-        throw ToolError("cannot listen on " + listen.text + ": " + std::strerror(errno));
+        const int error = errno;
+        throw ToolError("cannot listen on " + listen.text +
+                        (handler_->web.tls() ? " with TLS (is the key the certificate's?)" : "") +
+                        (error != 0 ? std::string(": ") + std::strerror(error) : ""));
     }
 }
 

@@ -9,6 +9,8 @@
 #include <memory>
 #include <string>
 
+#include "WebConfig.h"
+
 struct MHD_Daemon;
 
 namespace voractl {
@@ -34,9 +36,11 @@ public:
     // The metrics text, fresh for each scrape.
     using Scrape = std::function<std::shared_ptr<const std::string>()>;
 
-    // Starts serving on its own threads; throws ToolError when the address
-    // cannot be had.
-    HttpServer(const ListenAddress& listen, const HttpLimits& limits, Scrape scrape);
+    // Starts serving on its own threads, with TLS and basic auth as `web`
+    // says; throws ToolError when the address cannot be had or TLS cannot
+    // start with the certificate and key.
+    HttpServer(const ListenAddress& listen, const HttpLimits& limits, const WebConfig& web,
+               Scrape scrape);
     // Stops: the listening socket and every connection closed, the
     // connections' threads ended.
     ~HttpServer();

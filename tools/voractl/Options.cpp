@@ -33,7 +33,8 @@ const char kUsage[] =
     "                                    every readable item for monitoring\n"
     "  record [--redact] [--output FILE] the board library's answers, as a file\n"
     "                                    that --sim=FILE replays\n"
-    "  serve [--listen ADDR:PORT]        the board as a Prometheus target\n"
+    "  serve [--listen ADDR:PORT] [--web-config FILE]\n"
+    "                                    the board as a Prometheus target\n"
     "\n"
     "ITEM is an item id (0x1020201 or 16908801) or a path as \"list\" shows it,\n"
     "whole (\"Hardware Monitor/Voltage/VCORE\") or by its last parts when they\n"
@@ -160,7 +161,7 @@ const std::map<std::string, CommandSpec> kCommands = {
       "                 output)\n",
       {"--redact", "--output"}, 0, 0}},
     {"serve",
-     {"Usage: voractl serve [--listen ADDRESS:PORT]\n\n"
+     {"Usage: voractl serve [--listen ADDRESS:PORT] [--web-config FILE]\n\n"
       "Serve the board's metrics over HTTP for Prometheus, until SIGTERM or\n"
       "Ctrl-C. The module is loaded once; every scrape of /metrics reads every\n"
       "item again and answers with the families of \"export --format prometheus\"\n"
@@ -170,8 +171,12 @@ const std::map<std::string, CommandSpec> kCommands = {
       "voradrv_up is 0.\n\n"
       "  --listen ADDRESS:PORT  where to listen (default 127.0.0.1:19719);\n"
       "                         \"[::1]:PORT\" for IPv6, \":PORT\" for every\n"
-      "                         address, port 0 for any free one\n",
-      {"--listen"}, 0, 0}},
+      "                         address, port 0 for any free one\n"
+      "  --web-config FILE      TLS and basic auth, in the web configuration format\n"
+      "                         of Prometheus's exporters: tls_server_config\n"
+      "                         (cert_file, key_file, min_version) and\n"
+      "                         basic_auth_users (bcrypt hashes)\n",
+      {"--listen", "--web-config"}, 0, 0}},
 };
 
 [[noreturn]] void Print(const char* text) {
@@ -258,6 +263,11 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
             options.format = value;
         } else if (OptionValue(arg, "--listen", i, argc, argv, value)) {
             options.listen = value;
+        } else if (OptionValue(arg, "--web-config", i, argc, argv, value)) {
+            if (value.empty()) {
+                throw ToolError("--web-config needs a file name", true);
+            }
+            options.webConfig = value;
         } else if (OptionValue(arg, "--output", i, argc, argv, value)) {
             if (value.empty()) {
                 throw ToolError("--output needs a file name (- for standard output)", true);

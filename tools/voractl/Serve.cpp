@@ -36,6 +36,8 @@ std::string AddressText(const ListenAddress& listen, unsigned port) {
 int Serve(Context& context) {
     const ListenAddress listen =
         ParseListenAddress(context.options.listen.empty() ? kDefaultListen : context.options.listen);
+    const WebConfig web =
+        context.options.webConfig.empty() ? WebConfig{} : LoadWebConfig(context.options.webConfig);
 
     // SIGTERM and SIGINT are taken by this thread alone, between scrapes'
     // work on others; a client that goes away never raises SIGPIPE.
@@ -53,9 +55,10 @@ int Serve(Context& context) {
                              "trying again\n", StatusText(status).c_str());
     }
     {
-        HttpServer server(listen, HttpLimits{}, [&exporter] { return exporter.scrape(); });
-        std::fprintf(stderr, "voractl: serving the board's metrics on http://%s/metrics\n",
-                     AddressText(listen, server.port()).c_str());
+        HttpServer server(listen, HttpLimits{}, web, [&exporter] { return exporter.scrape(); });
+        std::fprintf(stderr, "voractl: serving the board's metrics on %s://%s/metrics%s\n",
+                     web.tls() ? "https" : "http", AddressText(listen, server.port()).c_str(),
+                     web.users.empty() ? "" : " (basic auth)");
         // A module that did not come up is tried again after 1, 2, 4, ...
         // seconds, a minute at most between tries.
         long delay = 1;

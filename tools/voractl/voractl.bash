@@ -75,12 +75,12 @@ _voractl() {
     _voractl_words
     for word in "${_voractl_line[@]:1}"; do
         case $word in
-            info | caps | list | get | set | watch | export | help) command=$word; break ;;
+            info | caps | list | get | set | watch | export | record | serve | help) command=$word; break ;;
         esac
     done
     [[ $prev == = ]] && prev=${COMP_WORDS[COMP_CWORD - 2]}
     case $prev in
-        --module | --output)
+        --module | --output | --web-config)
             compopt -o filenames 2>/dev/null
             COMPREPLY=($(compgen -f -- "$cur")); return ;;
         --sim)
@@ -94,22 +94,24 @@ _voractl() {
                      { COMPREPLY=($(compgen -W "auto always never" -- "$cur")); return; } ;;
         --format) COMPREPLY=($(compgen -W "senml prometheus" -- "$cur")); return ;;
         --type) COMPREPLY=($(compgen -W "int real string" -- "$cur")); return ;;
-        --interval | --count) return ;;
+        --interval | --count | --listen) return ;;
     esac
     local options
     case $command in
-        "") options="--module --sim --sim-generation --sim-reset --raw --quiet --color --help --version" ;;
+        "") options="--module --sim --sim-generation --sim-reset --trace --raw --quiet --color --help --version" ;;
         info | caps) options="--json --help" ;;
         list) options="--all --json --help" ;;
         get | set) options="--json --type --force --help" ;;
         watch) options="--json --interval --count --help" ;;
         export) options="--format --output --help" ;;
-        help) COMPREPLY=($(compgen -W "info caps list get set watch export" -- "$cur")); return ;;
+        record) options="--redact --output --help" ;;
+        serve) options="--listen --web-config --help" ;;
+        help) COMPREPLY=($(compgen -W "info caps list get set watch export record serve" -- "$cur")); return ;;
     esac
-    if [[ $cur == -* || ($command == @(info|caps|export) && -n $command) ]]; then
+    if [[ $cur == -* || ($command == @(info|caps|export|record|serve) && -n $command) ]]; then
         COMPREPLY=($(compgen -W "$options" -- "$cur"))
     elif [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W "info caps list get set watch export help" -- "$cur"))
+        COMPREPLY=($(compgen -W "info caps list get set watch export record serve help" -- "$cur"))
     elif [[ $command == @(list|watch) ]]; then
         _voractl_offer "$cur" < <(_voractl_paths groups)
     elif [[ $command == get ]]; then

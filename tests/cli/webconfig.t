@@ -1,0 +1,101 @@
+voractl serve --web-config reads the web configuration format of
+Prometheus's exporters: TLS with a certificate and key, basic-auth users
+with bcrypt hashes.
+
+  $ openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj /CN=127.0.0.1 \
+  >   -addext subjectAltName=IP:127.0.0.1 -keyout key.pem -out cert.pem 2> /dev/null
+  $ cat > web.yml <<'YAML'
+  > tls_server_config:
+  >   cert_file: cert.pem
+  >   key_file: key.pem
+  >   min_version: TLS12
+  > basic_auth_users:
+  >   prometheus: $2b$10$0MAwyrQ7Llxs4zKPYrI64Ozv282ZHFQ714frgIjs2CUMC.jW2mpHe
+  > YAML
+  $ serve() {
+  >   voractl --sim --quiet serve --listen 127.0.0.1:0 "$@" 2> serve.err &
+  >   server=$!
+  >   for i in $(seq 100); do grep -q serving serve.err && break; sleep 0.05; done
+  >   address=$(grep -o '127.0.0.1:[0-9]*' serve.err)
+  > }
+  $ fetch() { curl -s -o /dev/null -w '%{http_code}\n' "$@"; }
+
+  $ serve --web-config web.yml
+  $ sed 's/:[0-9][0-9]*\//:PORT\//' serve.err
+  voractl: serving the board's metrics on https://127.0.0.1:PORT/metrics (basic auth)
+  $ curl -s --cacert cert.pem -u prometheus:scrape-me https://$address/metrics | grep '^voradrv_up'
+  voradrv_up 1
+  $ fetch --cacert cert.pem https://$address/metrics
+  401
+  $ curl -s --cacert cert.pem -D - -o /dev/null https://$address/ | grep -i '^www-authenticate' | tr -d '\r'
+  WWW-Authenticate: Basic realm="voradrv"
+  $ fetch --cacert cert.pem -u prometheus:wrong https://$address/metrics
+  401
+  $ fetch --cacert cert.pem -u nobody:scrape-me https://$address/metrics
+  401
+
+Plain HTTP on the TLS port, and a TLS version below the one allowed, get no
+answer; the next scrape is answered:
+
+  $ fetch http://$address/metrics
+  000
+  [52]
+  $ fetch --cacert cert.pem --tls-max 1.1 -u prometheus:scrape-me https://$address/metrics
+  000
+  [35]
+  $ fetch --cacert cert.pem -u prometheus:scrape-me https://$address/metrics
+  200
+  $ kill -TERM $server; wait $server; echo "exit $?"
+  exit 0
+
+Basic auth alone, on plain HTTP:
+
+  $ printf 'basic_auth_users:\n  prometheus: $2b$10$0MAwyrQ7Llxs4zKPYrI64Ozv282ZHFQ714frgIjs2CUMC.jW2mpHe\n' > auth.yml
+  $ serve --web-config auth.yml
+  $ fetch -u prometheus:scrape-me http://$address/metrics
+  200
+  $ fetch http://$address/metrics
+  401
+  $ kill -TERM $server; wait $server
+
+What the exporter cannot do is refused by name, before it listens:
+
+  $ refused() { printf "$1" > bad.yml; voractl --sim serve --listen 127.0.0.1:0 --web-config bad.yml; }
+  $ refused 'tls_server_config:\n  cert_file: cert.pem\n  key_file: key.pem\n  client_auth_type: RequireAndVerifyClientCert\n'
+  voractl: web configuration bad.yml: tls_server_config.client_auth_type: only NoClientCert: client certificates are not supported
+  [1]
+  $ refused 'tls_server_config:\n  cert_file: cert.pem\n'
+  voractl: web configuration bad.yml: tls_server_config: needs both cert_file and key_file
+  [1]
+  $ refused 'tls_server_config:\n  cert_file: cert.pem\n  key_file: key.pem\n  cipher_suites: [TLS_AES_128_GCM_SHA256]\n'
+  voractl: web configuration bad.yml: tls_server_config.cipher_suites: not supported by this exporter (it supports cert_file, key_file, min_version and client_auth_type NoClientCert)
+  [1]
+  $ refused 'tls_server_config:\n  cert_file: cert.pem\n  key_file: key.pem\n  min_version: TLS10\n'
+  voractl: web configuration bad.yml: tls_server_config.min_version: TLS12 or TLS13 (older versions are not offered)
+  [1]
+  $ refused 'tls_server_config:\n  cert_file: missing.pem\n  key_file: key.pem\n'
+  voractl: cannot read the TLS certificate missing.pem: No such file or directory
+  [1]
+  $ refused 'tls_server_config:\n  cert_file: key.pem\n  key_file: cert.pem\n'
+  libmicrohttpd: GnuTLS failed to setup x509 certificate/key: The requested data were not available.
+  libmicrohttpd: Failed to initialize TLS support.
+  voractl: cannot listen on 127.0.0.1:0 with TLS (is the key the certificate's?)
+  [1]
+  $ refused 'basic_auth_users:\n  prometheus: plain-text\n'
+  voractl: web configuration bad.yml: basic_auth_users.prometheus: expected a bcrypt hash ($2a$, $2b$ or $2y$)
+  [1]
+  $ refused 'http_server_config:\n  http2: true\n'
+  voractl: web configuration bad.yml: http_server_config: not supported: libmicrohttpd serves HTTP/1.1 only and the exporter sets its own headers
+  [1]
+  $ refused 'basic_auth_user:\n  prometheus: x\n'
+  voractl: web configuration bad.yml: basic_auth_user: unknown setting (tls_server_config and basic_auth_users are read)
+  [1]
+  $ refused 'basic_auth_users:\n  a: $2b$10$x\n  a: $2b$10$y\n'
+  voractl: web configuration bad.yml: basic_auth_users.a: given twice
+  [1]
+  $ refused 'tls_server_config: [\n'
+  voractl: web configuration bad.yml: did not find expected node content at line 2
+  [1]
+  $ voractl --sim serve --web-config missing.yml
+  voractl: cannot read the web configuration missing.yml: No such file or directory
+  [1]

@@ -1,0 +1,192 @@
+#include "WebConfig.h"
+
+#include <crypt.h>
+#include <yaml.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <memory>
+#include <set>
+#include <sstream>
+#include <vector>
+
+#include "Format.h"
+
+namespace voractl {
+
+namespace {
+
+class Document {
+public:
+    Document(const std::string& path, const std::string& text) : path_(path) {
+        yaml_parser_t parser;
+        yaml_parser_initialize(&parser);
+        yaml_parser_set_input_string(&parser, reinterpret_cast<const unsigned char*>(text.data()),
+                                     text.size());
+        const bool loaded = yaml_parser_load(&parser, &document_) != 0;
+        std::string problem;
+        if (!loaded) {
+            problem = std::string(parser.problem != nullptr ? parser.problem : "not YAML") +
+                      " at line " + std::to_string(parser.problem_mark.line + 1);
+        }
+        yaml_parser_delete(&parser);
+        if (!loaded) {
+            throw ToolError("web configuration " + path + ": " + problem);
+        }
+        loaded_ = true;
+    }
+    ~Document() {
+        if (loaded_) {
+            yaml_document_delete(&document_);
+        }
+    }
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+
+    yaml_node_t* root() { return yaml_document_get_root_node(&document_); }
+    yaml_node_t* node(int index) { return yaml_document_get_node(&document_, index); }
+
+    [[noreturn]] void fail(const std::string& where, const std::string& what) const {
+        throw ToolError("web configuration " + path_ + ": " + where + ": " + what);
+    }
+
+    std::string scalar(yaml_node_t* node, const std::string& where) const {
+        if (node == nullptr || node->type != YAML_SCALAR_NODE) {
+            fail(where, "expected a text");
+        }
+        return std::string(reinterpret_cast<const char*>(node->data.scalar.value),
+                           node->data.scalar.length);
+    }
+
+    // The members of a mapping, in order; a mapping's keys are texts.
+    std::vector<std::pair<std::string, yaml_node_t*>> members(yaml_node_t* mapping,
+                                                              const std::string& where) {
+        std::vector<std::pair<std::string, yaml_node_t*>> out;
+        if (mapping == nullptr || (mapping->type == YAML_SCALAR_NODE && mapping->data.scalar.length == 0)) {
+            return out;  // an empty document or section
+        }
+        if (mapping->type != YAML_MAPPING_NODE) {
+            fail(where, "expected a mapping");
+        }
+        std::set<std::string> seen;
+        for (yaml_node_pair_t* pair = mapping->data.mapping.pairs.start;
+             pair < mapping->data.mapping.pairs.top; ++pair) {
+            const std::string key = scalar(node(pair->key), where);
+            if (!seen.insert(key).second) {
+                fail(where + "." + key, "given twice");
+            }
+            out.emplace_back(key, node(pair->value));
+        }
+        return out;
+    }
+
+private:
+    std::string path_;
+    yaml_document_t document_{};
+    bool loaded_ = false;
+};
+
+std::string ReadFile(const std::string& path, const std::string& what) {
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    if (!in || !(text << in.rdbuf())) {
+        throw ToolError("cannot read " + what + " " + path + ": " + std::strerror(errno));
+    }
+    return text.str();
+}
+
+// A relative file name in the configuration is relative to its directory,
+// as the exporter toolkit reads it.
+std::string Beside(const std::string& config, const std::string& file) {
+    if (file.empty() || file[0] == '/') {
+        return file;
+    }
+    const size_t slash = config.rfind('/');
+    return slash == std::string::npos ? file : config.substr(0, slash + 1) + file;
+}
+
+void ReadTls(Document& doc, yaml_node_t* section, const std::string& path, WebConfig& config) {
+    std::string cert, key;
+    for (const auto& [name, value] : doc.members(section, "tls_server_config")) {
+        const std::string where = "tls_server_config." + name;
+        if (name == "cert_file") {
+            cert = doc.scalar(value, where);
+        } else if (name == "key_file") {
+            key = doc.scalar(value, where);
+        } else if (name == "min_version") {
+            const std::string version = doc.scalar(value, where);
+            if (version == "TLS12") {
+                config.priorities = "NORMAL:-VERS-ALL:+VERS-TLS1.3:+VERS-TLS1.2";
+            } else if (version == "TLS13") {
+                config.priorities = "NORMAL:-VERS-ALL:+VERS-TLS1.3";
+            } else {
+                doc.fail(where, "TLS12 or TLS13 (older versions are not offered)");
+            }
+        } else if (name == "client_auth_type") {
+            if (doc.scalar(value, where) != "NoClientCert") {
+                doc.fail(where, "only NoClientCert: client certificates are not supported");
+            }
+        } else if (name == "cert" || name == "key") {
+            doc.fail(where, "give the PEM in a file, as cert_file and key_file");
+        } else {
+            doc.fail(where, "not supported by this exporter (it supports cert_file, key_file, "
+                            "min_version and client_auth_type NoClientCert)");
+        }
+    }
+    if (cert.empty() != key.empty() || (cert.empty() && section != nullptr &&
+                                        section->type == YAML_MAPPING_NODE)) {
+        doc.fail("tls_server_config", "needs both cert_file and key_file");
+    }
+    if (!cert.empty()) {
+        config.certificate = ReadFile(Beside(path, cert), "the TLS certificate");
+        config.key = ReadFile(Beside(path, key), "the TLS key");
+    }
+}
+
+}  // namespace
+
+bool WebConfig::allows(const std::string& user, const std::string& password) const {
+    const auto found = users.find(user);
+    // An unknown user costs a bcrypt check too, so that timing does not
+    // tell which user names exist.
+    static const char kDecoy[] = "$2b$10$.zEkN8f78wM3d168OUveeuyDAfrigFf0H8z.X0vioX.sEY0mPyb5a";
+    const std::string& hash = found != users.end() ? found->second : std::string(kDecoy);
+    auto data = std::make_unique<crypt_data>();
+    const char* computed = crypt_r(password.c_str(), hash.c_str(), data.get());
+    if (computed == nullptr || found == users.end() || std::strlen(computed) != hash.size()) {
+        return false;
+    }
+    unsigned char differ = 0;
+    for (size_t i = 0; i < hash.size(); ++i) {
+        differ |= static_cast<unsigned char>(computed[i] ^ hash[i]);
+    }
+    return differ == 0;
+}
+
+WebConfig LoadWebConfig(const std::string& path) {
+    Document doc(path, ReadFile(path, "the web configuration"));
+    WebConfig config;
+    for (const auto& [name, value] : doc.members(doc.root(), "the file")) {
+        if (name == "tls_server_config") {
+            ReadTls(doc, value, path, config);
+        } else if (name == "basic_auth_users") {
+            for (const auto& [user, hash] : doc.members(value, name)) {
+                const std::string text = doc.scalar(hash, name + "." + user);
+                if (text.rfind("$2a$", 0) != 0 && text.rfind("$2b$", 0) != 0 &&
+                    text.rfind("$2y$", 0) != 0) {
+                    doc.fail(name + "." + user, "expected a bcrypt hash ($2a$, $2b$ or $2y$)");
+                }
+                config.users[user] = text;
+            }
+        } else if (name == "http_server_config") {
+            doc.fail(name, "not supported: libmicrohttpd serves HTTP/1.1 only and the exporter "
+                           "sets its own headers");
+        } else {
+            doc.fail(name, "unknown setting (tls_server_config and basic_auth_users are read)");
+        }
+    }
+    return config;
+}
+
+}  // namespace voractl
