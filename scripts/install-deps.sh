@@ -2,7 +2,8 @@
 # Installs the Debian packages a job needs, when missing.
 #   install-deps.sh [--tests] [EXTRA_PACKAGE...]
 # Without --tests: what building the module, the simulator and voractl
-# needs (voractl serve is built on libmicrohttpd and zlib). With --tests,
+# needs (voractl serve is built on libmicrohttpd, zlib, libyaml for its web
+# configuration and libcrypt for its bcrypt passwords). With --tests,
 # also what only the tests use: GoogleTest; cram (python3-cram), which runs
 # voractl's transcripts; curl and openssl, the exporter's HTTP client and
 # its test certificate; promtool
@@ -13,7 +14,8 @@
 # services).
 set -euo pipefail
 
-packages=(cmake g++ make pkg-config libjansson-dev libmicrohttpd-dev zlib1g-dev)
+packages=(cmake g++ make pkg-config libjansson-dev libmicrohttpd-dev zlib1g-dev libyaml-dev
+          libcrypt-dev)
 if [ "${1:-}" = --tests ]; then
     shift
     packages+=(binutils googletest libgtest-dev libgmock-dev python3-cram curl openssl systemd prometheus
