@@ -81,10 +81,13 @@ library's uninitialise is the last call), no process left behind:
   exit 0
   $ tail -1 serve.err
   voractl: stopping
-  $ serve --sim --trace
+  $ mkdir tmp
+  $ TMPDIR=$PWD/tmp serve --sim --trace
   $ curl -s $url/metrics > /dev/null
   $ kill -INT $server; wait $server; echo "exit $?"
   exit 0
+  $ ls -A tmp | wc -l
+  0
   $ grep -v '^voractl' serve.err | tail -1 | sed 's/ <.*//'
   VoraLibUninitialize() = 0x0
   $ kill -0 $server 2> /dev/null || echo gone
