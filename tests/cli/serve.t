@@ -3,6 +3,7 @@ It listens on loopback; port 0 takes any free one, and the address is on
 standard error:
 
   $ serve() {
+  >   : > serve.err
   >   voractl "$@" serve --listen 127.0.0.1:0 2> serve.err &
   >   server=$!
   >   for i in $(seq 100); do grep -q serving serve.err && break; sleep 0.05; done

@@ -13,6 +13,7 @@ with bcrypt hashes.
   >   prometheus: $2b$10$0MAwyrQ7Llxs4zKPYrI64Ozv282ZHFQ714frgIjs2CUMC.jW2mpHe
   > YAML
   $ serve() {
+  >   : > serve.err
   >   voractl --sim --quiet serve --listen 127.0.0.1:0 "$@" 2> serve.err &
   >   server=$!
   >   for i in $(seq 100); do grep -q serving serve.err && break; sleep 0.05; done
