@@ -7,7 +7,7 @@ standard error:
   >   voractl "$@" serve --listen 127.0.0.1:0 2> serve.err &
   >   server=$!
   >   for i in $(seq 100); do grep -q serving serve.err && break; sleep 0.05; done
-  >   url=http://$(grep -o '127.0.0.1:[0-9]*' serve.err)
+  >   url=http://$(grep -o -m 1 '127.0.0.1:[0-9]*' serve.err)
   > }
   $ stop() { kill -TERM $server; wait $server; echo "exit $?"; }
   $ fetch() { curl -s -o /dev/null -w '%{http_code} %{content_type}\n' "$@"; }
@@ -15,6 +15,7 @@ standard error:
   $ serve --sim
   $ sed 's/:[0-9][0-9]*\//:PORT\//' serve.err
   voractl: serving the board's metrics on http://127.0.0.1:PORT/metrics
+  voractl: the board page is http://127.0.0.1:PORT/
 
 /metrics holds the families of "export --format prometheus", the values as
 voractl shows them, and the exporter's own; promtool accepts it:
@@ -28,6 +29,21 @@ voractl shows them, and the exporter's own; promtool accepts it:
   $ grep -c '^voradrv_scrape_duration_seconds 0\.[0-9]*$' metrics
   1
   $ promtool check metrics < metrics
+
+The board page's JSON: the capability document as the module built it, and
+the records "voractl list --json" prints; every answer forbids content from
+anywhere else:
+
+  $ diff <(curl -s $url/api/v1/items | python3 -m json.tool --sort-keys) \
+  >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys)
+  $ diff <(curl -s $url/api/v1/document | python3 -m json.tool --sort-keys) \
+  >      <(voractl --sim --quiet caps | python3 -m json.tool --sort-keys)
+  $ curl -s "$url/api/v1/samples?since=0" | python3 -c 'import json, sys; s = json.load(sys.stdin); print(s["interval"], len(s["samples"]) >= 1)'
+  2 True
+  $ for path in / /page.js /api/v1/items /metrics /nothing; do
+  >   curl -s -D - -o /dev/null $url$path | grep -i '^content-security-policy' | tr -d '\r'
+  > done | sort | uniq -c | sed 's/^ *//'
+  5 Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'
 
 Every scrape reads the board again:
 
@@ -53,11 +69,11 @@ accepts it:
   $ grep -i '^content-encoding' headers | tr -d '\r'
   Content-Encoding: gzip
 
-A landing page links to the metrics; anything else is refused, and nothing
+The board page links to the metrics; anything else is refused, and nothing
 over HTTP writes to the board:
 
-  $ curl -s $url/ | grep -o '<a href="metrics">Metrics</a>'
-  <a href="metrics">Metrics</a>
+  $ curl -s $url/ | grep -o '<a href="/metrics">Metrics</a>'
+  <a href="/metrics">Metrics</a>
   $ fetch $url/nothing
   404 text/plain; charset=utf-8
   $ fetch -X POST -d 'DO1/Level=1' $url/metrics
@@ -133,6 +149,7 @@ and trying again, a little later each time:
   $ sed 's/(.*)/(STATUS)/' serve.err
   voractl: the module did not come up (STATUS); serving voradrv_up 0 and trying again
   voractl: serving the board's metrics on http://127.0.0.1:*/metrics (glob)
+  voractl: the board page is http://127.0.0.1:*/ (glob)
   voractl: the module came up
   voractl: stopping
 

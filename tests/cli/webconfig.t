@@ -17,13 +17,14 @@ with bcrypt hashes.
   >   voractl --sim --quiet serve --listen 127.0.0.1:0 "$@" 2> serve.err &
   >   server=$!
   >   for i in $(seq 100); do grep -q serving serve.err && break; sleep 0.05; done
-  >   address=$(grep -o '127.0.0.1:[0-9]*' serve.err)
+  >   address=$(grep -o -m 1 '127.0.0.1:[0-9]*' serve.err)
   > }
   $ fetch() { curl -s -o /dev/null -w '%{http_code}\n' "$@"; }
 
   $ serve --web-config web.yml
   $ sed 's/:[0-9][0-9]*\//:PORT\//' serve.err
   voractl: serving the board's metrics on https://127.0.0.1:PORT/metrics (basic auth)
+  voractl: the board page is https://127.0.0.1:PORT/
   $ curl -s --cacert cert.pem -u prometheus:scrape-me https://$address/metrics | grep '^voradrv_up'
   voradrv_up 1
   $ fetch --cacert cert.pem https://$address/metrics

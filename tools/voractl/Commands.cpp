@@ -10,14 +10,6 @@ namespace voractl {
 
 namespace {
 
-JsonPtr RecordArray(const std::vector<Reading>& readings) {
-    JsonPtr array = Own(json_array());
-    for (const Reading& reading : readings) {
-        json_array_append_new(array.get(), ReadingJson(reading));  // the array takes the record
-    }
-    return array;
-}
-
 // "libVORA-4.00 (fourth generation), /usr/lib/libVORA-4.00.so".
 std::string LibraryText(const Session& session) {
     const auto& library = session.library();
@@ -81,7 +73,7 @@ int List(Context& context) {
     const std::vector<Item> items = Chosen(context);
     const std::vector<Reading> readings = context.session.readAll(items);
     if (context.options.json) {
-        PrintJson(context.out, RecordArray(readings).get());
+        PrintJson(context.out, Own(RecordsJson(readings)).get());
         return ReportFailures(readings);
     }
     std::fprintf(context.out, "%s\n",
@@ -126,7 +118,7 @@ int Get(Context& context) {
     }
     const std::vector<Reading> readings = context.session.readAll(items);
     if (options.json) {
-        JsonPtr array = RecordArray(readings);
+        JsonPtr array = Own(RecordsJson(readings));
         PrintJson(context.out, readings.size() == 1 ? json_array_get(array.get(), 0) : array.get());
         return ReportFailures(readings);
     }

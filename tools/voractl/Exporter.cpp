@@ -3,8 +3,10 @@
 #include <time.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <sstream>
 
+#include "Format.h"
 #include "Prometheus.h"
 #include "Reading.h"
 #include "Session.h"
@@ -12,6 +14,16 @@
 namespace voractl {
 
 namespace {
+
+std::string Dumped(const json_t* json) {
+    char* text = json_dumps(json, JSON_COMPACT | JSON_REAL_PRECISION(15));
+    if (text == nullptr) {
+        throw ToolError("cannot write JSON");
+    }
+    std::string out = text;
+    std::free(text);
+    return out;
+}
 
 double Seconds() {
     timespec now;
@@ -96,6 +108,30 @@ bool Exporter::opened() {
 void Exporter::close() {
     std::lock_guard<std::mutex> lock(module_);
     session_.close();
+}
+
+std::string Exporter::records() {
+    std::lock_guard<std::mutex> lock(module_);
+    JsonPtr array = Own(session_.opened() ? RecordsJson(session_.readAll(session_.items()))
+                                          : json_array());
+    return Dumped(array.get());
+}
+
+std::string Exporter::document() {
+    std::lock_guard<std::mutex> lock(module_);
+    return session_.opened() ? Dumped(session_.document()) : "null";
+}
+
+std::string Exporter::library() {
+    std::lock_guard<std::mutex> lock(module_);
+    const auto& library = session_.library();
+    if (!library) {
+        return "null";
+    }
+    JsonPtr json = Own(json_pack("{s:s, s:s, s:s}", "name", library->name.c_str(), "generation",
+                                 GenerationText(library->generation), "path",
+                                 library->path.c_str()));
+    return Dumped(json.get());
 }
 
 std::string OpenMetricsText(const std::string& text) {

@@ -29,6 +29,15 @@ public:
     // Uninitialises the module once no reading is under way.
     void close();
 
+    // For the board page, each under the same lock as the scrapes: every
+    // item's record as "voractl list --json" gives it (an empty array while
+    // the module is not up); the capability document as the module built
+    // it (null while it is not up); the board library the module bound,
+    // {"name", "generation", "path"} (null: none).
+    std::string records();
+    std::string document();
+    std::string library();
+
 private:
     std::string read();
 

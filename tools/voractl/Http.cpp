@@ -12,22 +12,17 @@
 
 #include "Format.h"
 #include "Exporter.h"
+#include "PageAssets.h"
 
 namespace voractl {
 
 namespace {
 
-const char kLandingPage[] =
-    "<!DOCTYPE html>\n"
-    "<html lang=\"en\">\n"
-    "<head><meta charset=\"utf-8\"><title>VORADrv exporter</title></head>\n"
-    "<body>\n"
-    "<h1>VORADrv exporter</h1>\n"
-    "<p>The board's hardware monitor, GPIO, backlight and management network, read through\n"
-    "the VORADrv module on every scrape.</p>\n"
-    "<p><a href=\"metrics\">Metrics</a></p>\n"
-    "</body>\n"
-    "</html>\n";
+// Nothing from elsewhere: the page's script, style and data come from here.
+const char kPolicy[] =
+    "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; "
+    "connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'";
+const char kJson[] = "application/json";
 
 const char kUnauthorised[] = "Unauthorised: give a user and password of the web configuration.\n";
 const char kTextFormat[] = "text/plain; version=0.0.4; charset=utf-8";
@@ -87,6 +82,9 @@ MHD_Result Answer(MHD_Connection* connection, unsigned status, const std::string
     }
     MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, type);
     MHD_add_response_header(response, "X-Content-Type-Options", "nosniff");
+    MHD_add_response_header(response, "Content-Security-Policy", kPolicy);
+    MHD_add_response_header(response, "Referrer-Policy", "no-referrer");
+    MHD_add_response_header(response, "Cache-Control", "no-store");
     if (encoding != nullptr) {
         MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_ENCODING, encoding);
     }
@@ -101,7 +99,7 @@ MHD_Result Answer(MHD_Connection* connection, unsigned status, const std::string
 }  // namespace
 
 struct HttpServer::Handler {
-    Scrape scrape;
+    Site site;
     WebConfig web;
 
     // A request's state between libmicrohttpd's calls: whether it came
@@ -172,26 +170,46 @@ struct HttpServer::Handler {
             return Answer(connection, MHD_HTTP_BAD_REQUEST, "A GET request takes no body.\n",
                           "text/plain; charset=utf-8");
         }
-        if (url == "/") {
-            return Answer(connection, MHD_HTTP_OK, kLandingPage, "text/html; charset=utf-8");
+        if (const PageAsset* asset = FindPageAsset(url)) {
+            return Compressed(connection, asset->text, asset->type);
         }
-        if (url != "/metrics") {
-            return Answer(connection, MHD_HTTP_NOT_FOUND, "Not found: see /metrics.\n",
-                          "text/plain; charset=utf-8");
-        }
-        std::shared_ptr<const std::string> metrics;
         try {
-            metrics = scrape();
+            if (url == "/api/v1/document") {
+                return Compressed(connection, site.document(), kJson);
+            }
+            if (url == "/api/v1/library") {
+                return Compressed(connection, site.library(), kJson);
+            }
+            if (url == "/api/v1/items") {
+                return Compressed(connection, site.items(), kJson);
+            }
+            if (url == "/api/v1/samples") {
+                const char* since =
+                    MHD_lookup_connection_value(connection, MHD_GET_ARGUMENT_KIND, "since");
+                return Compressed(
+                    connection, site.samples(since != nullptr ? std::strtoull(since, nullptr, 10) : 0),
+                    kJson);
+            }
+            if (url != "/metrics") {
+                return Answer(connection, MHD_HTTP_NOT_FOUND, "Not found: see / and /metrics.\n",
+                              "text/plain; charset=utf-8");
+            }
+            const std::shared_ptr<const std::string> metrics = site.metrics();
+            const bool open = Accepts(
+                MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_ACCEPT),
+                "application/openmetrics-text");
+            return Compressed(connection, open ? OpenMetricsText(*metrics) : *metrics,
+                              open ? kOpenMetricsFormat : kTextFormat);
         } catch (const std::exception& e) {
             return Answer(connection, MHD_HTTP_INTERNAL_SERVER_ERROR,
                           std::string("The board could not be read: ") + e.what() + "\n",
                           "text/plain; charset=utf-8");
         }
-        const bool open =
-            Accepts(MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_ACCEPT),
-                    "application/openmetrics-text");
-        const std::string text = open ? OpenMetricsText(*metrics) : *metrics;
-        const char* type = open ? kOpenMetricsFormat : kTextFormat;
+    }
+
+    // 200 with `text`, gzipped when the client accepts it.
+    static MHD_Result Compressed(MHD_Connection* connection, const std::string& text,
+                                 const char* type) {
         if (Accepts(MHD_lookup_connection_value(connection, MHD_HEADER_KIND,
                                                 MHD_HTTP_HEADER_ACCEPT_ENCODING),
                     "gzip")) {
@@ -255,8 +273,8 @@ ListenAddress ParseListenAddress(const std::string& text) {
 }
 
 HttpServer::HttpServer(const ListenAddress& listen, const HttpLimits& limits,
-                       const WebConfig& web, Scrape scrape)
-    : handler_(new Handler{std::move(scrape), web}) {
+                       const WebConfig& web, Site site)
+    : handler_(new Handler{std::move(site), web}) {
     unsigned flags = MHD_USE_INTERNAL_POLLING_THREAD | MHD_USE_THREAD_PER_CONNECTION |
                      MHD_USE_ERROR_LOG;
     if (listen.address.ss_family == AF_INET6) {

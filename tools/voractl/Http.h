@@ -1,10 +1,13 @@
-// The exporter's HTTP side, on libmicrohttpd: "/" a landing page, "/metrics"
-// the board's metrics (OpenMetrics when the scraper asks for it, gzip when it
-// accepts it). Read-only: GET and HEAD, nothing else.
+// The exporter's HTTP side, on libmicrohttpd: "/" the board page (with its
+// script and style), "/metrics" the board's metrics (OpenMetrics when the
+// scraper asks for it), "/api/v1/..." the page's JSON; gzip when the client
+// accepts it. Read-only: GET and HEAD, nothing else. Every answer carries a
+// content security policy that allows nothing from elsewhere.
 #pragma once
 
 #include <sys/socket.h>
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -33,14 +36,22 @@ struct HttpLimits {
 
 class HttpServer {
 public:
-    // The metrics text, fresh for each scrape.
-    using Scrape = std::function<std::shared_ptr<const std::string>()>;
+    // What the server answers with: the metrics text, fresh for each
+    // scrape, and the board page's JSON (document, library, items, samples
+    // after a sequence number).
+    struct Site {
+        std::function<std::shared_ptr<const std::string>()> metrics;
+        std::function<std::string()> document;
+        std::function<std::string()> library;
+        std::function<std::string()> items;
+        std::function<std::string(uint64_t)> samples;
+    };
 
     // Starts serving on its own threads, with TLS and basic auth as `web`
     // says; throws ToolError when the address cannot be had or TLS cannot
     // start with the certificate and key.
     HttpServer(const ListenAddress& listen, const HttpLimits& limits, const WebConfig& web,
-               Scrape scrape);
+               Site site);
     // Stops: the listening socket and every connection closed, the
     // connections' threads ended.
     ~HttpServer();

@@ -166,17 +166,20 @@ const std::map<std::string, CommandSpec> kCommands = {
       "Ctrl-C. The module is loaded once; every scrape of /metrics reads every\n"
       "item again and answers with the families of \"export --format prometheus\"\n"
       "and voradrv_up, voradrv_scrape_duration_seconds. OpenMetrics when the\n"
-      "scraper asks for it, gzip when it accepts it. Nothing over HTTP changes\n"
-      "the board. A module that does not come up is tried again, and meanwhile\n"
-      "voradrv_up is 0.\n\n"
+      "scraper asks for it, gzip when it accepts it. \"/\" is a live page of the\n"
+      "board, drawn from the capability document's hints. Nothing over HTTP\n"
+      "changes the board. A module that does not come up is tried again, and\n"
+      "meanwhile voradrv_up is 0.\n\n"
       "  --listen ADDRESS:PORT  where to listen (default 127.0.0.1:19719);\n"
       "                         \"[::1]:PORT\" for IPv6, \":PORT\" for every\n"
       "                         address, port 0 for any free one\n"
+      "  --interval SECONDS     how often the board page's samples are read\n"
+      "                         (default 2; the page keeps the last 300)\n"
       "  --web-config FILE      TLS and basic auth, in the web configuration format\n"
       "                         of Prometheus's exporters: tls_server_config\n"
       "                         (cert_file, key_file, min_version) and\n"
       "                         basic_auth_users (bcrypt hashes)\n",
-      {"--listen", "--web-config"}, 0, 0}},
+      {"--listen", "--web-config", "--interval"}, 0, 0}},
 };
 
 [[noreturn]] void Print(const char* text) {

@@ -62,4 +62,12 @@ int ReportFailures(const std::vector<Reading>& readings) {
     return exitStatus;
 }
 
+json_t* RecordsJson(const std::vector<Reading>& readings) {
+    json_t* array = json_array();
+    for (const Reading& reading : readings) {
+        json_array_append_new(array, ReadingJson(reading));  // the array takes the record
+    }
+    return array;
+}
+
 }  // namespace voractl

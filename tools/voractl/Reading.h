@@ -30,6 +30,8 @@ std::string ShownValue(const Reading& reading);
 // for an id other sensors were published with, and, when the read failed,
 // "value" null with an "error" beside it. The caller owns it.
 json_t* ReadingJson(const Reading& reading);
+// An array of the readings' records. The caller owns it.
+json_t* RecordsJson(const std::vector<Reading>& readings);
 
 // Prints a JSON document indented, with a final newline.
 void PrintJson(std::FILE* out, const json_t* json);

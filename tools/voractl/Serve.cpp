@@ -12,6 +12,7 @@
 #include "Exporter.h"
 #include "Format.h"
 #include "Http.h"
+#include "Sampler.h"
 #include "Session.h"
 
 namespace voractl {
@@ -55,10 +56,20 @@ int Serve(Context& context) {
                              "trying again\n", StatusText(status).c_str());
     }
     {
-        HttpServer server(listen, HttpLimits{}, web, [&exporter] { return exporter.scrape(); });
-        std::fprintf(stderr, "voractl: serving the board's metrics on %s://%s/metrics%s\n",
-                     web.tls() ? "https" : "http", AddressText(listen, server.port()).c_str(),
+        // The page's samples: every 2 seconds, the last ten minutes kept.
+        Sampler sampler(exporter, context.options.interval, 300);
+        HttpServer::Site site;
+        site.metrics = [&exporter] { return exporter.scrape(); };
+        site.document = [&exporter] { return exporter.document(); };
+        site.library = [&exporter] { return exporter.library(); };
+        site.items = [&sampler] { return sampler.items(); };
+        site.samples = [&sampler](uint64_t since) { return sampler.samples(since); };
+        HttpServer server(listen, HttpLimits{}, web, std::move(site));
+        const std::string url = std::string(web.tls() ? "https" : "http") + "://" +
+                                AddressText(listen, server.port());
+        std::fprintf(stderr, "voractl: serving the board's metrics on %s/metrics%s\n", url.c_str(),
                      web.users.empty() ? "" : " (basic auth)");
+        std::fprintf(stderr, "voractl: the board page is %s/\n", url.c_str());
         // A module that did not come up is tried again after 1, 2, 4, ...
         // seconds, a minute at most between tries.
         long delay = 1;
@@ -82,7 +93,7 @@ int Serve(Context& context) {
             }
         }
         std::fprintf(stderr, "voractl: stopping\n");
-    }  // every connection closed, its thread ended
+    }  // every connection closed, its thread ended; the sampler stopped
     exporter.close();
     return 0;
 }

@@ -105,7 +105,7 @@ _voractl() {
         watch) options="--json --interval --count --help" ;;
         export) options="--format --output --help" ;;
         record) options="--redact --output --help" ;;
-        serve) options="--listen --web-config --help" ;;
+        serve) options="--listen --web-config --interval --help" ;;
         help) COMPREPLY=($(compgen -W "info caps list get set watch export record serve" -- "$cur")); return ;;
     esac
     if [[ $cur == -* || ($command == @(info|caps|export|record|serve) && -n $command) ]]; then

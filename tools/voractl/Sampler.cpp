@@ -1,0 +1,143 @@
+#include "Sampler.h"
+
+#include <jansson.h>
+#include <time.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+
+#include "Exporter.h"
+#include "Format.h"
+#include "Truth.h"
+
+namespace voractl {
+
+namespace {
+
+double Now() {
+    timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec / 1000000) / 1000.0;
+}
+
+// {"<id>": value} of a records array.
+std::string Values(const std::string& records) {
+    JsonPtr array = Own(json_loads(records.c_str(), 0, nullptr));
+    JsonPtr values = Own(json_object());
+    size_t i;
+    json_t* record;
+    json_array_foreach(array.get(), i, record) {
+        const json_t* id = json_object_get(record, "id");
+        const json_t* value = json_object_get(record, "value");
+        if (json_is_integer(id)) {
+            json_object_set(values.get(), std::to_string(json_integer_value(id)).c_str(),
+                            value != nullptr ? const_cast<json_t*>(value) : json_null());
+        }
+    }
+    char* text = json_dumps(values.get(), JSON_COMPACT | JSON_REAL_PRECISION(15));
+    std::string out = text != nullptr ? text : "{}";
+    std::free(text);
+    return out;
+}
+
+}  // namespace
+
+Sampler::Sampler(Exporter& exporter, double interval, size_t keep)
+    : exporter_(exporter),
+      interval_(interval),
+      keep_(keep),
+      idleAfter_(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+          std::chrono::duration<double>(std::max(60.0, 10 * interval)))),
+      thread_([this] { run(); }) {}
+
+Sampler::~Sampler() {
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        stopping_ = true;
+    }
+    wake_.notify_all();
+    thread_.join();
+}
+
+void Sampler::take() {
+    std::string records;
+    try {
+        records = exporter_.records();
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "voractl: cannot sample the board: %s\n", e.what());
+        return;
+    }
+    const std::string values = Values(records);
+    std::lock_guard<std::mutex> lock(mutex_);
+    items_ = std::move(records);
+    ring_.push_back(Sample{++seq_, Now(), values});
+    while (ring_.size() > keep_) {
+        ring_.pop_front();
+    }
+    taken_.notify_all();
+}
+
+void Sampler::touch() {
+    lastRequest_ = std::chrono::steady_clock::now();
+    if (idle_) {
+        wake_.notify_all();
+    }
+}
+
+void Sampler::run() {
+    const auto period = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+        std::chrono::duration<double>(interval_));
+    for (;;) {
+        {
+            std::unique_lock<std::mutex> lock(mutex_);
+            wake_.wait(lock, [this] {
+                idle_ = std::chrono::steady_clock::now() - lastRequest_ > idleAfter_;
+                return stopping_ || !idle_;
+            });
+            if (stopping_) {
+                return;
+            }
+        }
+        const auto next = std::chrono::steady_clock::now() + period;
+        take();
+        std::unique_lock<std::mutex> lock(mutex_);
+        if (wake_.wait_until(lock, next, [this] { return stopping_; })) {
+            return;
+        }
+    }
+}
+
+std::string Sampler::items() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    const bool wasIdle = idle_;
+    touch();
+    if (wasIdle) {
+        const uint64_t seen = seq_;
+        taken_.wait_for(lock, std::chrono::seconds(10), [&] { return seq_ != seen || stopping_; });
+    }
+    return items_;
+}
+
+std::string Sampler::samples(uint64_t since) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    touch();
+    char head[96];
+    std::snprintf(head, sizeof head, "{\"interval\":%g,\"last\":%llu,\"samples\":[", interval_,
+                  static_cast<unsigned long long>(seq_));
+    std::string out = head;
+    bool first = true;
+    for (const Sample& sample : ring_) {
+        if (sample.seq <= since) {
+            continue;
+        }
+        char fields[96];
+        std::snprintf(fields, sizeof fields, "%s{\"seq\":%llu,\"time\":%.3f,\"values\":",
+                      first ? "" : ",", static_cast<unsigned long long>(sample.seq), sample.time);
+        out += fields + sample.values + "}";
+        first = false;
+    }
+    return out + "]}";
+}
+
+}  // namespace voractl

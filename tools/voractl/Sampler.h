@@ -1,0 +1,65 @@
+// The board page's samples: one thread reads every item at a fixed interval,
+// whatever the number of pages open, and keeps a bounded ring of the recent
+// samples for the charts. It reads only while pages ask: a minute (or ten
+// intervals) after the last request it stops, so that an exporter only
+// scraped by Prometheus reads the board only for the scrapes.
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <string>
+#include <thread>
+
+namespace voractl {
+
+class Exporter;
+
+class Sampler {
+public:
+    // Reads the board every `interval` seconds, keeping the last `keep`
+    // samples (300 at 2 s: the last ten minutes).
+    Sampler(Exporter& exporter, double interval, size_t keep);
+    // Stops the thread.
+    ~Sampler();
+    Sampler(const Sampler&) = delete;
+    Sampler& operator=(const Sampler&) = delete;
+
+    // The latest records, as "voractl list --json" prints them; when the
+    // sampler was idle, those of a fresh reading.
+    std::string items();
+    // {"interval": S, "last": N, "samples": [{"seq", "time", "values":
+    // {"<id>": value}}]}: the kept samples after `since` (0: all of them).
+    std::string samples(uint64_t since);
+
+private:
+    struct Sample {
+        uint64_t seq;
+        double time;        // seconds since 1970
+        std::string values;  // a JSON object: item id -> true value (null: unreadable)
+    };
+
+    void run();
+    void take();
+    // A page asked: sampling goes on (or starts again).
+    void touch();
+
+    Exporter& exporter_;
+    const double interval_;
+    const size_t keep_;
+    std::mutex mutex_;
+    std::condition_variable wake_;   // the sampling thread's: a stop or a request
+    std::condition_variable taken_;  // a sample was taken
+    bool stopping_ = false;
+    bool idle_ = true;
+    std::chrono::steady_clock::time_point lastRequest_{};
+    const std::chrono::steady_clock::duration idleAfter_;
+    std::string items_ = "[]";
+    std::deque<Sample> ring_;
+    uint64_t seq_ = 0;
+    std::thread thread_;
+};
+
+}  // namespace voractl
