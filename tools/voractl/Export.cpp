@@ -1,7 +1,5 @@
 #include "Export.h"
 
-#include <time.h>
-
 #include <cstdlib>
 
 #include "Format.h"
@@ -12,21 +10,11 @@
 
 namespace voractl {
 
-namespace {
-
-double Now() {
-    timespec now;
-    clock_gettime(CLOCK_REALTIME, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec / 1000000) / 1000.0;
-}
-
-}  // namespace
-
 int Export(Context& context) {
     const std::vector<Reading> readings = context.session.readAll(context.session.items());
     std::string text;
     if (context.options.format == "senml") {
-        JsonPtr pack = Own(SenmlPack(readings, Now()));
+        JsonPtr pack = Own(SenmlPack(readings, UnixTime()));
         char* dumped = json_dumps(pack.get(), JSON_INDENT(2) | JSON_REAL_PRECISION(15));
         if (dumped == nullptr) {
             throw ToolError("cannot build the SenML pack");

@@ -1,5 +1,7 @@
 #include "Format.h"
 
+#include <time.h>
+
 #include <cstdio>
 
 #include "voradrv.h"
@@ -98,6 +100,12 @@ std::string IdText(uint32_t id) {
     char text[16];
     std::snprintf(text, sizeof text, "0x%X", id);
     return text;
+}
+
+double UnixTime() {
+    timespec now;
+    clock_gettime(CLOCK_REALTIME, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec / 1000000) / 1000.0;
 }
 
 }  // namespace voractl

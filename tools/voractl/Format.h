@@ -41,4 +41,7 @@ std::string DisplayValue(const json_t* value, const std::string& unit);
 // "0x1020201".
 std::string IdText(uint32_t id);
 
+// Now, in seconds since 1970, to the millisecond.
+double UnixTime();
+
 }  // namespace voractl

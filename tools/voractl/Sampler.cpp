@@ -1,11 +1,11 @@
 #include "Sampler.h"
 
 #include <jansson.h>
-#include <time.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 
 #include "Exporter.h"
 #include "Format.h"
@@ -14,12 +14,6 @@
 namespace voractl {
 
 namespace {
-
-double Now() {
-    timespec now;
-    clock_gettime(CLOCK_REALTIME, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec / 1000000) / 1000.0;
-}
 
 // {"<id>": value} of a records array.
 std::string Values(const std::string& records) {
@@ -71,7 +65,7 @@ void Sampler::take() {
     const std::string values = Values(records);
     std::lock_guard<std::mutex> lock(mutex_);
     items_ = std::move(records);
-    ring_.push_back(Sample{++seq_, Now(), values});
+    ring_.push_back(Sample{++seq_, UnixTime(), values});
     while (ring_.size() > keep_) {
         ring_.pop_front();
     }
