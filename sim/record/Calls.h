@@ -128,28 +128,38 @@ json_t* Inputs(const Signature& s, Args... args) {
     return in;
 }
 
+namespace detail {
+
+// Calls visit(name, pointer) for each output pointer of a call that is not null.
+template <typename Visit, typename... Args>
+void EachOutput(const Signature& s, Visit&& visit, Args... args) {
+    EachArgument(s, [&](const std::string& name, auto arg) {
+        if constexpr (std::is_pointer_v<decltype(arg)>) {
+            if (arg != nullptr) {
+                visit(name, arg);
+            }
+        }
+    }, args...);
+}
+
+}  // namespace detail
+
 // What came out of a call: every output it could have written.
 template <typename... Args>
 json_t* Outputs(const Signature& s, [[maybe_unused]] size_t bufferSize, Args... args) {
     json_t* out = json_object();
     const uint32_t id = detail::IdOf(args...);
-    detail::EachArgument(s, [&](const std::string& name, auto arg) {
-        using Arg = decltype(arg);
-        if constexpr (std::is_pointer_v<Arg>) {
-            if (arg == nullptr) {
-                return;
+    detail::EachOutput(s, [&](const std::string& name, auto arg) {
+        if constexpr (std::is_same_v<decltype(arg), char*>) {
+            PutText(out, arg, bufferSize);
+        } else if (name != "words") {
+            json_object_set_new(out, name.c_str(), detail::Number(*arg));
+        } else if (!s.writes) {
+            json_t* words = json_array();
+            for (size_t w = 0; w < WordCount(id); ++w) {
+                json_array_append_new(words, detail::Number(arg[w]));
             }
-            if constexpr (std::is_same_v<Arg, char*>) {
-                PutText(out, arg, bufferSize);
-            } else if (name != "words") {
-                json_object_set_new(out, name.c_str(), detail::Number(*arg));
-            } else if (!s.writes) {
-                json_t* words = json_array();
-                for (size_t w = 0; w < WordCount(id); ++w) {
-                    json_array_append_new(words, detail::Number(arg[w]));
-                }
-                json_object_set_new(out, name.c_str(), words);
-            }
+            json_object_set_new(out, name.c_str(), words);
         }
     }, args...);
     return out;
@@ -160,23 +170,17 @@ template <typename... Args>
 void Apply(const Signature& s, [[maybe_unused]] const json_t* out, [[maybe_unused]] size_t bufferSize,
            Args... args) {
     const uint32_t id = detail::IdOf(args...);
-    detail::EachArgument(s, [&](const std::string& name, auto arg) {
-        using Arg = decltype(arg);
-        if constexpr (std::is_pointer_v<Arg>) {
-            if (arg == nullptr) {
-                return;
+    detail::EachOutput(s, [&](const std::string& name, auto arg) {
+        if constexpr (std::is_same_v<decltype(arg), char*>) {
+            TakeText(out, arg, bufferSize);
+        } else if (name != "words") {
+            if (const json_t* value = json_object_get(out, name.c_str())) {
+                detail::Take(value, arg);
             }
-            if constexpr (std::is_same_v<Arg, char*>) {
-                TakeText(out, arg, bufferSize);
-            } else if (name != "words") {
-                if (const json_t* value = json_object_get(out, name.c_str())) {
-                    detail::Take(value, arg);
-                }
-            } else {
-                const json_t* words = json_object_get(out, "words");
-                for (size_t w = 0; w < WordCount(id) && w < json_array_size(words); ++w) {
-                    detail::Take(json_array_get(words, w), &arg[w]);
-                }
+        } else {
+            const json_t* words = json_object_get(out, "words");
+            for (size_t w = 0; w < WordCount(id) && w < json_array_size(words); ++w) {
+                detail::Take(json_array_get(words, w), &arg[w]);
             }
         }
     }, args...);
