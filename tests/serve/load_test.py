@@ -6,7 +6,9 @@
 Starts `voractl --sim serve` on a free loopback port, then:
 - 16 clients scrape /metrics for SECONDS (default 10); every answer must be
   200 and whole (its length as announced, ending with the exporter's last
-  family), and the exporter's resident memory must not grow from the first
+  family), scrapes that arrive together must share readings of the board
+  (fewer readings than scrapes, from the exporter's trace of its library
+  calls), and the exporter's resident memory must not grow from the first
   second of load to the end;
 - hostile requests, each of which must get a 4xx answer or a closed
   connection, with a normal scrape answered after each: a 1 MiB URL, 10,000
@@ -16,7 +18,7 @@ Starts `voractl --sim serve` on a free loopback port, then:
 - SIGTERM: exit status 0, no child process left.
 Every request goes to 127.0.0.1 only; every loop is bounded in time.
 """
-import http.client, os, signal, socket, subprocess, sys, threading, time
+import http.client, os, re, signal, socket, subprocess, sys, threading, time
 
 VORACTL = sys.argv[1]
 SECONDS = float(sys.argv[2]) if len(sys.argv) > 2 else 10.0
@@ -29,12 +31,26 @@ def fail(message):
     print("FAIL:", message)
 
 
+TRACE = os.path.join(os.environ.get("XDG_RUNTIME_DIR") or "/tmp", f"load-trace-{os.getpid()}")
+
+
 def start():
-    process = subprocess.Popen([VORACTL, "--sim", "--quiet", "serve", "--listen", "127.0.0.1:0"],
-                               stderr=subprocess.PIPE, text=True)
-    line = process.stderr.readline()
-    port = int(line.rsplit(":", 1)[1].split("/")[0])
-    return process, port
+    """The exporter, tracing its board library calls into TRACE."""
+    trace = open(TRACE, "w")
+    process = subprocess.Popen([VORACTL, "--sim", "--quiet", "--trace", "serve", "--listen",
+                                "127.0.0.1:0"], stderr=trace)
+    for _ in range(200):
+        found = re.search(r"^voractl: serving .*?:(\d+)/metrics", open(TRACE).read(), re.M)
+        if found:
+            return process, int(found.group(1))
+        time.sleep(0.05)
+    sys.exit("FAIL: the exporter did not start")
+
+
+def board_readings():
+    """How often the board library was asked for the board name: once at
+    initialise, then once a reading."""
+    return open(TRACE).read().count("VoraBoardGetStringA(id=0x1,") - 1
 
 
 def scrape(port, timeout=10):
@@ -108,6 +124,10 @@ def load(port, pid):
           f"{counts['bad']} not whole; resident {before} KiB after the first second, {after} KiB at the end")
     if counts["answers"] < CLIENTS:
         fail("too few scrapes answered under load")
+    readings = board_readings()
+    print(f"load: {counts['answers']} scrapes answered from {readings} readings of the board")
+    if not 1 <= readings < counts["answers"]:
+        fail("concurrent scrapes did not share readings of the board")
     if os.environ.get("VTEST_SANITIZED") == "1":
         print("load: resident memory not held (AddressSanitizer keeps freed memory in quarantine)")
     elif after > before + 1024:
@@ -182,6 +202,7 @@ def main():
     children = subprocess.run(["pgrep", "-P", str(process.pid)], capture_output=True, text=True).stdout
     if children.strip():
         fail(f"child processes left: {children.split()}")
+    os.unlink(TRACE)
     print(f"load and hostile requests: {len(failures)} failures")
     return 1 if failures else 0
 
