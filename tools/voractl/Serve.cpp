@@ -56,7 +56,8 @@ int Serve(Context& context) {
                              "trying again\n", StatusText(status).c_str());
     }
     {
-        // The page's samples: every 2 seconds, the last ten minutes kept.
+        // The page's samples: every --interval seconds (2 by default) while
+        // pages ask, the last 300 kept.
         Sampler sampler(exporter, context.options.interval, 300);
         HttpServer::Site site;
         site.metrics = [&exporter] { return exporter.scrape(); };
