@@ -10,7 +10,7 @@ capability document: no console error or refused content, every element of
 the document present with the widget its hints ask for, every chart with
 points, the board name and a sensor showing what `voractl get` reads, and
 markup in board texts shown as text. A screenshot at 360 and at 1280 pixels
-wide of each board is kept in ARTIFACT_DIR.
+wide of each board, and one in dark mode, is kept in ARTIFACT_DIR.
 """
 import html.parser, json, os, re, shutil, signal, subprocess, sys, tempfile, time, urllib.request
 
@@ -121,9 +121,10 @@ def check(name, generation, profile):
                                   capture_output=True, text=True).stdout.strip()
             if by_id[element["id"]]["value"] != read:
                 fail(f"{name}: {element['n']} shows {by_id[element['id']]['value']!r}, voractl reads {read!r}")
-        for width, height in ((360, 1600), (1280, 1600)):
-            shot = os.path.join(ARTIFACTS, f"{name}-{width}.png")
-            chromium(url, f"--window-size={width},{height}", f"--screenshot={shot}")
+        for width, height, scheme in ((360, 1600, ""), (1280, 1600, ""), (1280, 1600, "dark")):
+            shot = os.path.join(ARTIFACTS, f"{name}-{width}{'-' + scheme if scheme else ''}.png")
+            dark = ["--force-dark-mode", "--blink-settings=preferredColorScheme=0"] if scheme else []
+            chromium(url, f"--window-size={width},{height}", f"--screenshot={shot}", *dark)
             with open(shot, "rb") as f:
                 if f.read(8) != b"\x89PNG\r\n\x1a\n":
                     fail(f"{name}: no screenshot at {width} pixels")
