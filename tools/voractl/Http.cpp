@@ -72,6 +72,15 @@ std::string Gzip(const std::string& text) {
     return result == Z_STREAM_END ? out : "";
 }
 
+// The headers every answer carries: its type is what it says, nothing from
+// elsewhere runs in it, and nothing keeps it.
+void Protect(MHD_Response* response) {
+    MHD_add_response_header(response, "X-Content-Type-Options", "nosniff");
+    MHD_add_response_header(response, "Content-Security-Policy", kPolicy);
+    MHD_add_response_header(response, "Referrer-Policy", "no-referrer");
+    MHD_add_response_header(response, "Cache-Control", "no-store");
+}
+
 MHD_Result Answer(MHD_Connection* connection, unsigned status, const std::string& body,
                   const char* type, const char* encoding = nullptr,
                   const char* allow = nullptr) {
@@ -81,10 +90,7 @@ MHD_Result Answer(MHD_Connection* connection, unsigned status, const std::string
         return MHD_NO;
     }
     MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, type);
-    MHD_add_response_header(response, "X-Content-Type-Options", "nosniff");
-    MHD_add_response_header(response, "Content-Security-Policy", kPolicy);
-    MHD_add_response_header(response, "Referrer-Policy", "no-referrer");
-    MHD_add_response_header(response, "Cache-Control", "no-store");
+    Protect(response);
     if (encoding != nullptr) {
         MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_ENCODING, encoding);
     }
@@ -129,6 +135,7 @@ struct HttpServer::Handler {
                 return MHD_NO;
             }
             MHD_add_response_header(response, MHD_HTTP_HEADER_CONTENT_TYPE, "text/plain; charset=utf-8");
+            Protect(response);
             const MHD_Result queued = MHD_queue_basic_auth_fail_response(connection, "voradrv", response);
             MHD_destroy_response(response);
             return queued;
