@@ -3,7 +3,6 @@
 #include <time.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <sstream>
 
 #include "Format.h"
@@ -14,16 +13,6 @@
 namespace voractl {
 
 namespace {
-
-std::string Dumped(const json_t* json) {
-    char* text = json_dumps(json, JSON_COMPACT | JSON_REAL_PRECISION(15));
-    if (text == nullptr) {
-        throw ToolError("cannot write JSON");
-    }
-    std::string out = text;
-    std::free(text);
-    return out;
-}
 
 double Seconds() {
     timespec now;
@@ -55,8 +44,7 @@ std::string Exporter::read() {
             }
             text = PrometheusText(readings);
         } else {
-            text = Gauge("voradrv_unreadable_items", "Items of the board that could not be read.",
-                         "0");
+            text = PrometheusText({});  // nothing read, nothing unreadable
         }
     }
     char duration[32];
@@ -110,16 +98,14 @@ void Exporter::close() {
     session_.close();
 }
 
-std::string Exporter::records() {
+JsonPtr Exporter::records() {
     std::lock_guard<std::mutex> lock(module_);
-    JsonPtr array = Own(session_.opened() ? RecordsJson(session_.readAll(session_.items()))
-                                          : json_array());
-    return Dumped(array.get());
+    return Own(session_.opened() ? RecordsJson(session_.readAll(session_.items())) : json_array());
 }
 
 std::string Exporter::document() {
     std::lock_guard<std::mutex> lock(module_);
-    return session_.opened() ? Dumped(session_.document()) : "null";
+    return session_.opened() ? JsonText(session_.document()) : "null";
 }
 
 std::string Exporter::library() {
@@ -131,7 +117,7 @@ std::string Exporter::library() {
     JsonPtr json = Own(json_pack("{s:s, s:s, s:s}", "name", library->name.c_str(), "generation",
                                  GenerationText(library->generation), "path",
                                  library->path.c_str()));
-    return Dumped(json.get());
+    return JsonText(json.get());
 }
 
 std::string OpenMetricsText(const std::string& text) {

@@ -8,6 +8,8 @@
 #include <mutex>
 #include <string>
 
+#include "Truth.h"
+
 namespace voractl {
 
 class Session;
@@ -34,7 +36,7 @@ public:
     // the module is not up); the capability document as the module built
     // it (null while it is not up); the board library the module bound,
     // {"name", "generation", "path"} (null: none).
-    std::string records();
+    JsonPtr records();
     std::string document();
     std::string library();
 

@@ -1,5 +1,7 @@
 #include "Reading.h"
 
+#include <cstdlib>
+
 #include "Format.h"
 
 namespace voractl {
@@ -43,6 +45,16 @@ json_t* ReadingJson(const Reading& reading) {
         json_object_set_new(record, "shares_id_with", names);
     }
     return record;
+}
+
+std::string JsonText(const json_t* json) {
+    char* text = json_dumps(json, JSON_COMPACT | JSON_REAL_PRECISION(15));
+    if (text == nullptr) {
+        throw ToolError("cannot write JSON");
+    }
+    std::string out = text;
+    std::free(text);
+    return out;
 }
 
 void PrintJson(std::FILE* out, const json_t* json) {

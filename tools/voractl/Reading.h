@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <string>
 #include <vector>
 
 #include "Items.h"
@@ -32,6 +33,9 @@ std::string ShownValue(const Reading& reading);
 json_t* ReadingJson(const Reading& reading);
 // An array of the readings' records. The caller owns it.
 json_t* RecordsJson(const std::vector<Reading>& readings);
+
+// A JSON document on one line; throws ToolError when jansson cannot write it.
+std::string JsonText(const json_t* json);
 
 // Prints a JSON document indented, with a final newline.
 void PrintJson(std::FILE* out, const json_t* json);

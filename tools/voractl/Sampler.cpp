@@ -9,6 +9,7 @@
 
 #include "Exporter.h"
 #include "Format.h"
+#include "Reading.h"
 #include "Truth.h"
 
 namespace voractl {
@@ -16,12 +17,11 @@ namespace voractl {
 namespace {
 
 // {"<id>": value} of a records array.
-std::string Values(const std::string& records) {
-    JsonPtr array = Own(json_loads(records.c_str(), 0, nullptr));
+std::string Values(const json_t* records) {
     JsonPtr values = Own(json_object());
     size_t i;
     json_t* record;
-    json_array_foreach(array.get(), i, record) {
+    json_array_foreach(records, i, record) {
         const json_t* id = json_object_get(record, "id");
         const json_t* value = json_object_get(record, "value");
         if (json_is_integer(id)) {
@@ -29,10 +29,7 @@ std::string Values(const std::string& records) {
                             value != nullptr ? const_cast<json_t*>(value) : json_null());
         }
     }
-    char* text = json_dumps(values.get(), JSON_COMPACT | JSON_REAL_PRECISION(15));
-    std::string out = text != nullptr ? text : "{}";
-    std::free(text);
-    return out;
+    return JsonText(values.get());
 }
 
 }  // namespace
@@ -55,16 +52,17 @@ Sampler::~Sampler() {
 }
 
 void Sampler::take() {
-    std::string records;
+    std::string items, values;
     try {
-        records = exporter_.records();
+        const JsonPtr records = exporter_.records();
+        items = JsonText(records.get());
+        values = Values(records.get());
     } catch (const std::exception& e) {
         std::fprintf(stderr, "voractl: cannot sample the board: %s\n", e.what());
         return;
     }
-    const std::string values = Values(records);
     std::lock_guard<std::mutex> lock(mutex_);
-    items_ = std::move(records);
+    items_ = std::move(items);
     ring_.push_back(Sample{++seq_, UnixTime(), values});
     while (ring_.size() > keep_) {
         ring_.pop_front();
