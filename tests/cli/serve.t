@@ -68,6 +68,11 @@ accepts it:
   $ grep -v duration metrics | cmp - unpacked
   $ grep -i '^content-encoding' headers | tr -d '\r'
   Content-Encoding: gzip
+  $ curl -s -H 'Accept-Encoding: gzip;q=0, identity' -D - -o /dev/null $url/metrics | grep -ci '^content-encoding'
+  0
+  [1]
+  $ fetch -H 'Accept: application/openmetrics-text;q=0, text/plain' $url/metrics
+  200 text/plain; version=0.0.4; charset=utf-8
 
 The board page links to the metrics; anything else is refused, and nothing
 over HTTP writes to the board:
