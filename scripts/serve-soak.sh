@@ -16,7 +16,9 @@ export VORA_SIM_TIME=0 VORA_SIM_STATE=$scratch/board.json
 server=$!
 trap 'kill -TERM $server 2>/dev/null; wait $server 2>/dev/null; rm -rf "$scratch"' EXIT
 for _ in $(seq 100); do grep -q serving "$scratch/err" && break; sleep 0.05; done
-url=http://$(grep -o '127.0.0.1:[0-9]*' "$scratch/err")/metrics
+address=$(grep -o -m 1 '127.0.0.1:[0-9]*' "$scratch/err") ||
+    { echo "serve soak: the exporter did not start:" >&2; cat "$scratch/err" >&2; exit 1; }
+url=http://$address/metrics
 resident() { awk '/^VmRSS:/ { print $2 }' "/proc/$server/status"; }
 
 for _ in $(seq 1000); do curl -s -o /dev/null "$url"; done
