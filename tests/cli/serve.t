@@ -87,6 +87,8 @@ over HTTP writes to the board:
   405 text/plain; charset=utf-8
   $ fetch -X GET -d 'body' $url/metrics
   400 text/plain; charset=utf-8
+  $ fetch "$url/api/v1/samples?since=latest"
+  400 text/plain; charset=utf-8
   $ fetch -I $url/metrics
   200 text/plain; version=0.0.4; charset=utf-8
   $ fetch -H "X-Long: $(head -c 20000 /dev/zero | tr '\0' x)" $url/metrics

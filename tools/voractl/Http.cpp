@@ -13,6 +13,7 @@
 #include "Format.h"
 #include "Exporter.h"
 #include "PageAssets.h"
+#include "Request.h"
 
 namespace voractl {
 
@@ -27,32 +28,6 @@ const char kJson[] = "application/json";
 const char kUnauthorised[] = "Unauthorised: give a user and password of the web configuration.\n";
 const char kTextFormat[] = "text/plain; version=0.0.4; charset=utf-8";
 const char kOpenMetricsFormat[] = "application/openmetrics-text; version=1.0.0; charset=utf-8";
-
-// True when a comma-separated header (Accept, Accept-Encoding) names a
-// value starting with `wanted` and does not give it q=0.
-bool Accepts(const char* header, const char* wanted) {
-    if (header == nullptr) {
-        return false;
-    }
-    const std::string text = header;
-    size_t start = 0;
-    while (start <= text.size()) {
-        size_t end = text.find(',', start);
-        if (end == std::string::npos) {
-            end = text.size();
-        }
-        std::string part = text.substr(start, end - start);
-        part.erase(0, part.find_first_not_of(" \t"));
-        if (part.compare(0, std::strlen(wanted), wanted) == 0) {
-            const size_t q = part.find("q=");
-            if (q == std::string::npos || std::strtod(part.c_str() + q + 2, nullptr) > 0.0) {
-                return true;
-            }
-        }
-        start = end + 1;
-    }
-    return false;
-}
 
 // The gzip stream of `text`; empty when zlib fails (then sent plain).
 std::string Gzip(const std::string& text) {
@@ -191,20 +166,23 @@ struct HttpServer::Handler {
                 return Compressed(connection, site.items(), kJson);
             }
             if (url == "/api/v1/samples") {
-                const char* since =
-                    MHD_lookup_connection_value(connection, MHD_GET_ARGUMENT_KIND, "since");
-                return Compressed(
-                    connection, site.samples(since != nullptr ? std::strtoull(since, nullptr, 10) : 0),
-                    kJson);
+                const std::optional<uint64_t> since = SinceArgument(
+                    MHD_lookup_connection_value(connection, MHD_GET_ARGUMENT_KIND, "since"));
+                if (!since) {
+                    return Answer(connection, MHD_HTTP_BAD_REQUEST,
+                                  "since: give the sequence number of the last sample seen.\n",
+                                  "text/plain; charset=utf-8");
+                }
+                return Compressed(connection, site.samples(*since), kJson);
             }
             if (url != "/metrics") {
                 return Answer(connection, MHD_HTTP_NOT_FOUND, "Not found: see / and /metrics.\n",
                               "text/plain; charset=utf-8");
             }
             const std::shared_ptr<const std::string> metrics = site.metrics();
-            const bool open = Accepts(
-                MHD_lookup_connection_value(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_ACCEPT),
-                "application/openmetrics-text");
+            const bool open = PreferredFormat(MHD_lookup_connection_value(
+                                  connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_ACCEPT)) ==
+                              MetricsFormat::OpenMetrics;
             return Compressed(connection, open ? OpenMetricsText(*metrics) : *metrics,
                               open ? kOpenMetricsFormat : kTextFormat);
         } catch (const std::exception& e) {
@@ -217,9 +195,8 @@ struct HttpServer::Handler {
     // 200 with `text`, gzipped when the client accepts it.
     static MHD_Result Compressed(MHD_Connection* connection, const std::string& text,
                                  const char* type) {
-        if (Accepts(MHD_lookup_connection_value(connection, MHD_HEADER_KIND,
-                                                MHD_HTTP_HEADER_ACCEPT_ENCODING),
-                    "gzip")) {
+        if (AcceptsGzip(MHD_lookup_connection_value(connection, MHD_HEADER_KIND,
+                                                    MHD_HTTP_HEADER_ACCEPT_ENCODING))) {
             const std::string packed = Gzip(text);
             if (!packed.empty()) {
                 return Answer(connection, MHD_HTTP_OK, packed, type, "gzip");

@@ -2,12 +2,11 @@
 
 #include <jansson.h>
 
-#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
-#include "Exporter.h"
 #include "Format.h"
 #include "Reading.h"
 #include "Truth.h"
@@ -34,12 +33,12 @@ std::string Values(const json_t* records) {
 
 }  // namespace
 
-Sampler::Sampler(Exporter& exporter, double interval, size_t keep)
-    : exporter_(exporter),
+Sampler::Sampler(Read read, double interval, size_t keep, double idleAfter)
+    : read_(std::move(read)),
       interval_(interval),
       keep_(keep),
       idleAfter_(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
-          std::chrono::duration<double>(std::max(60.0, 10 * interval)))),
+          std::chrono::duration<double>(idleAfter))),
       thread_([this] { run(); }) {}
 
 Sampler::~Sampler() {
@@ -54,7 +53,7 @@ Sampler::~Sampler() {
 void Sampler::take() {
     std::string items, values;
     try {
-        const JsonPtr records = exporter_.records();
+        const JsonPtr records = read_();
         items = JsonText(records.get());
         values = Values(records.get());
     } catch (const std::exception& e) {

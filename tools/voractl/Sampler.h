@@ -1,27 +1,33 @@
 // The board page's samples: one thread reads every item at a fixed interval,
 // whatever the number of pages open, and keeps a bounded ring of the recent
-// samples for the charts. It reads only while pages ask: a minute (or ten
-// intervals) after the last request it stops, so that an exporter only
-// scraped by Prometheus reads the board only for the scrapes.
+// samples for the charts. It reads only while pages ask: a while after the
+// last request it stops, so that an exporter only scraped by Prometheus
+// reads the board only for the scrapes.
 #pragma once
 
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <mutex>
 #include <string>
 #include <thread>
 
-namespace voractl {
+#include "Truth.h"
 
-class Exporter;
+namespace voractl {
 
 class Sampler {
 public:
-    // Reads the board every `interval` seconds, keeping the last `keep`
-    // samples (300 at 2 s: the last ten minutes).
-    Sampler(Exporter& exporter, double interval, size_t keep);
+    // Every item's record as "voractl list --json" gives it; throws when
+    // the board cannot be read.
+    using Read = std::function<JsonPtr()>;
+
+    // Reads the board with `read` every `interval` seconds while pages ask,
+    // keeping the last `keep` samples (300 at 2 s: the last ten minutes),
+    // and stops reading `idleAfter` seconds after the last request.
+    Sampler(Read read, double interval, size_t keep, double idleAfter);
     // Stops the thread.
     ~Sampler();
     Sampler(const Sampler&) = delete;
@@ -46,7 +52,7 @@ private:
     // A page asked: sampling goes on (or starts again).
     void touch();
 
-    Exporter& exporter_;
+    const Read read_;
     const double interval_;
     const size_t keep_;
     std::mutex mutex_;

@@ -57,8 +57,11 @@ int Serve(Context& context) {
     }
     {
         // The page's samples: every --interval seconds (2 by default) while
-        // pages ask, the last 300 kept.
-        Sampler sampler(exporter, context.options.interval, 300);
+        // pages ask, the last 300 kept; a minute (or ten intervals) after the
+        // last request, no more readings.
+        const double interval = context.options.interval;
+        Sampler sampler([&exporter] { return exporter.records(); }, interval, 300,
+                        std::max(60.0, 10 * interval));
         HttpServer::Site site;
         site.metrics = [&exporter] { return exporter.scrape(); };
         site.document = [&exporter] { return exporter.document(); };
