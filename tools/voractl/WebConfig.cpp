@@ -165,7 +165,11 @@ bool WebConfig::allows(const std::string& user, const std::string& password) con
 }
 
 WebConfig LoadWebConfig(const std::string& path) {
-    Document doc(path, ReadFile(path, "the web configuration"));
+    return ParseWebConfig(path, ReadFile(path, "the web configuration"));
+}
+
+WebConfig ParseWebConfig(const std::string& path, const std::string& text) {
+    Document doc(path, text);
     WebConfig config;
     for (const auto& [name, value] : doc.members(doc.root(), "the file")) {
         if (name == "tls_server_config") {

@@ -24,5 +24,8 @@ struct WebConfig {
 // Reads FILE; throws ToolError naming the file, the setting and what is
 // wrong with it.
 WebConfig LoadWebConfig(const std::string& path);
+// The same for the text of FILE (its TLS files are still read from disk,
+// beside it).
+WebConfig ParseWebConfig(const std::string& path, const std::string& text);
 
 }  // namespace voractl
