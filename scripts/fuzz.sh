@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Runs the fuzz target for a bounded time on its seed corpus.
-#   fuzz.sh [BUILD_DIR [SECONDS]]      (defaults: build-fuzz, 30)
+# Runs each fuzz target for a bounded time on its seed corpus.
+#   fuzz.sh [BUILD_DIR [SECONDS]]      (defaults: build-fuzz, 30 for each)
 # BUILD_DIR is configured with CC=clang CXX=clang++ and -DVORADRV_FUZZ=ON and
-# has the target built (see fuzz/CMakeLists.txt). New inputs go to a
+# has the targets built (fuzz_all, see fuzz/CMakeLists.txt). New inputs go to a
 # scratch directory, not into fuzz/corpus/; a finding stops the run with the
 # input saved there and a non-zero exit status.
 set -euo pipefail
@@ -31,4 +31,9 @@ run() {
 }
 
 # The set path reaches the simulated board through the path redirection.
-run fuzz_network_set network_set "$build/sim/run-simulated" --
+status=0
+run fuzz_network_set network_set "$build/sim/run-simulated" -- || status=1
+run fuzz_profile profile || status=1
+run fuzz_recording recording || status=1
+run fuzz_web_config web_config || status=1
+exit $status

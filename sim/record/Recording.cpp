@@ -240,6 +240,8 @@ bool Recording::load(const std::string& text, std::string& error) {
                 ? json_string_value(json_object_get(library, "path"))
                 : "";
     redacted_ = json_is_true(json_object_get(document, "redacted"));
+    const char* recorded = json_string_value(json_object_get(document, "recorded"));
+    recorded_ = recorded != nullptr ? recorded : "";
     json_array_foreach(calls, i, call) {
         add(json_string_value(json_object_get(call, "function")),
             json_incref(json_object_get(call, "in")), json_incref(json_object_get(call, "status")),
@@ -253,6 +255,7 @@ void Recording::setLibrary(const std::string& name, const std::string& generatio
     name_ = name;
     generation_ = generation;
     path_ = path;
+    recorded_ = Now();
 }
 
 void Recording::add(const std::string& function, json_t* in, json_t* status, json_t* out) {
@@ -320,7 +323,8 @@ std::string Recording::text() const {
     // The header, then one call a line, so that a person can read and edit it.
     json_t* header = json_pack("{s:s, s:i, s:{s:s, s:s, s:s}, s:s, s:b}", "format", kFormat,
                                "version", kVersion, "library", "name", name_.c_str(), "generation",
-                               generation_.c_str(), "path", path_.c_str(), "recorded", Now().c_str(),
+                               generation_.c_str(), "path", path_.c_str(), "recorded",
+                               recorded_.empty() ? Now().c_str() : recorded_.c_str(),
                                "redacted", redacted_);
     char* dumped = json_dumps(header, JSON_COMPACT);
     std::string text = dumped != nullptr ? dumped : "{}";

@@ -30,6 +30,7 @@ public:
     // place ("calls[3].status: expected a number").
     bool load(const std::string& text, std::string& error);
 
+    // The library recorded, from now on.
     void setLibrary(const std::string& name, const std::string& generation, const std::string& path);
     // Adds a call's answer unless a call with the same inputs is there
     // already; takes over `in` and `out` (and `status`, which may be null
@@ -60,6 +61,7 @@ private:
     std::string name_;
     std::string generation_;
     std::string path_;
+    std::string recorded_;  // when the library was recorded, as the file says it
     bool redacted_ = false;
 };
 
