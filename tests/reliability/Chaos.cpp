@@ -11,6 +11,7 @@
 #include <link.h>
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -80,11 +81,23 @@ bool ModuleAllocationFails() {
     return !library && counted++ == failAt;
 }
 
+// The values in a JSON tree, counted without allocating.
+size_t Nodes(json_t* json) {
+    size_t count = 1;
+    const char* key;
+    json_t* member;
+    json_object_foreach(json, key, member) { count += Nodes(member); }
+    size_t i;
+    json_array_foreach(json, i, member) { count += Nodes(member); }
+    return count;
+}
+
 // One host pass, each entry point called with the module flag set and
 // standard output captured. Returns each call's status; `printed` receives
-// what the module printed, `escaped` the entry points an exception left.
+// what the module printed, `escaped` the entry points an exception left,
+// `nodes` the size of the capability document.
 std::vector<uint32_t> HostPass(const std::vector<vtest::Item>& items, std::string& printed,
-                               std::vector<std::string>& escaped) {
+                               std::vector<std::string>& escaped, size_t& nodes) {
     std::vector<uint32_t> statuses;
     auto module = [&](const char* name, const std::function<uint32_t()>& call) {
         uint32_t status = 0xDEADBEEF;
@@ -103,6 +116,7 @@ std::vector<uint32_t> HostPass(const std::vector<vtest::Item>& items, std::strin
     module("VoraIoTInitialize", [&] { return host.initialize(); });
     json_t* document = json_object();
     module("VoraIoTGetMDCapability", [&] { return host.capability(document); });
+    nodes = document != nullptr ? Nodes(document) : 0;
     json_decref(document);
     for (const vtest::Item& item : items) {
         json_t* value = vtest::Sentinel(item.type);
@@ -115,7 +129,9 @@ std::vector<uint32_t> HostPass(const std::vector<vtest::Item>& items, std::strin
 }
 
 // Runs passes with allocation n = 0, 1, ... failing until a pass makes
-// fewer allocations than n.
+// fewer allocations than n. For JSON, every distinct line the module
+// printed over them is compared with golden file chaos-<library>.txt, so
+// that a message the module must give when jansson fails is never lost.
 void EachFailureInTurn(Generation generation, bool json) {
     vtest::UseSimulator(generation);
     vtest::SimControl sim(generation);
@@ -137,7 +153,9 @@ void EachFailureInTurn(Generation generation, bool json) {
     }
     std::string printed;
     std::vector<std::string> escaped;
-    const std::vector<uint32_t> clean = HostPass(items, printed, escaped);
+    size_t cleanNodes = 0, nodes = 0;
+    std::set<std::string> said;
+    const std::vector<uint32_t> clean = HostPass(items, printed, escaped, cleanNodes);
 
     // Memory in use must be the same before and after a failing pass. When it
     // is not, the pass runs again: what the first run set up for good (caches
@@ -147,12 +165,13 @@ void EachFailureInTurn(Generation generation, bool json) {
     auto failingPass = [&] {
         counted = 0;
         failAt = n;
-        const std::vector<uint32_t> statuses = HostPass(items, printed, escaped);
+        const std::vector<uint32_t> statuses = HostPass(items, printed, escaped, nodes);
         const bool done = counted <= n;
         failAt = -1;
         EXPECT_EQ(std::vector<std::string>{}, escaped) << "exceptions left (failure " << n << ")";
         escaped.clear();
         for (const std::string& line : vtest::Lines(printed)) {
+            said.insert(line);
             EXPECT_TRUE(line.rfind("VORADrv", 0) == 0 || line.rfind("VORADRV", 0) == 0 ||
                         line.rfind("[VORADrv]", 0) == 0)
                 << "not the module's line: " << line << " (failure " << n << ")";
@@ -161,6 +180,11 @@ void EachFailureInTurn(Generation generation, bool json) {
             << "initialise answered " << statuses.front() << " (failure " << n << ")";
         if (done) {
             EXPECT_EQ(clean, statuses) << "the pass without failure";
+        } else if (json && (statuses != clean || (nodes != cleanNodes && nodes != 0))) {
+            // What a JSON allocation failure costs the host (a status, a
+            // part of the document) the module says on standard output.
+            EXPECT_NE(printed, "") << "a failure that changed the answers said nothing (failure "
+                                   << n << ")";
         }
         return done;
     };
@@ -176,12 +200,20 @@ void EachFailureInTurn(Generation generation, bool json) {
         if (done) {
             break;
         }
-        EXPECT_EQ(clean, HostPass(items, printed, escaped)) << "a pass after failure " << n;
+        EXPECT_EQ(clean, HostPass(items, printed, escaped, nodes)) << "a pass after failure " << n;
         if (::testing::Test::HasFailure()) {
             break;  // one failure's report is enough
         }
     }
     std::printf("%ld allocations made to fail in turn\n", n);
+    if (json && !::testing::Test::HasFailure()) {
+        std::string lines;
+        for (const std::string& line : said) {
+            lines += line + "\n";
+        }
+        EXPECT_EQ("", vtest::GoldenDifference(
+                          lines, std::string("chaos-") + vtest::LibraryName(generation) + ".txt"));
+    }
 }
 
 }  // namespace
