@@ -85,6 +85,8 @@ over HTTP writes to the board:
   405 text/plain; charset=utf-8
   $ fetch -X PUT $url/
   405 text/plain; charset=utf-8
+  $ curl -s -X DELETE -D - -o /dev/null $url/metrics | grep -i '^allow' | tr -d '\r'
+  Allow: GET, HEAD
   $ fetch -X GET -d 'body' $url/metrics
   400 text/plain; charset=utf-8
   $ fetch "$url/api/v1/samples?since=latest"
