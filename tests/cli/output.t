@@ -44,9 +44,9 @@ A socket is connected to:
 
   $ python3 -c '
   > import socket, sys
-  > s = socket.socket(socket.AF_UNIX); s.bind("board.sock"); s.listen(1)
+  > s = socket.socket(socket.AF_UNIX); s.bind("board.sock"); s.listen(1); s.settimeout(30)
   > sys.stdout.write("listening\n"); sys.stdout.flush()
-  > c = s.accept()[0]; data = b""
+  > c = s.accept()[0]; c.settimeout(30); data = b""
   > while chunk := c.recv(65536): data += chunk
   > print(data.decode().count("voradrv_"))' > socket.out &
   $ while ! grep -q listening socket.out 2>/dev/null; do sleep 0.05; done; out board.sock; wait; tail -1 socket.out
