@@ -31,8 +31,8 @@ voractl shows them, and the exporter's own; promtool accepts it:
   $ promtool check metrics < metrics
 
 The board page's JSON: the capability document as the module built it, and
-the records "voractl list --json" prints; every answer forbids content from
-anywhere else:
+the records "voractl list --json" prints; every answer, refusals of bad
+requests included, forbids content from anywhere else:
 
   $ diff <(curl -s $url/api/v1/items | python3 -m json.tool --sort-keys) \
   >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys)
@@ -40,10 +40,12 @@ anywhere else:
   >      <(voractl --sim --quiet caps | python3 -m json.tool --sort-keys)
   $ curl -s "$url/api/v1/samples?since=0" | python3 -c 'import json, sys; s = json.load(sys.stdin); print(s["interval"], len(s["samples"]) >= 1)'
   2 True
-  $ for path in / /page.js /api/v1/items /metrics /nothing; do
-  >   curl -s -D - -o /dev/null $url$path | grep -i '^content-security-policy' | tr -d '\r'
+  $ long=$(head -c 20000 /dev/zero | tr '\0' x)
+  $ for request in / /page.js /api/v1/items /metrics /nothing '/metrics -X POST' \
+  >     '/metrics -X GET -d body' "/metrics -H X-Long:$long" "/metrics?$long"; do
+  >   curl -s -D - -o /dev/null $url$request | grep -i '^content-security-policy' | tr -d '\r'
   > done | sort | uniq -c | sed 's/^ *//'
-  5 Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'
+  9 Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'
 
 Every scrape reads the board again:
 
@@ -94,9 +96,9 @@ over HTTP writes to the board:
   $ fetch -I $url/metrics
   200 text/plain; version=0.0.4; charset=utf-8
   $ fetch -H "X-Long: $(head -c 20000 /dev/zero | tr '\0' x)" $url/metrics
-  431 
+  431 text/plain; charset=utf-8
   $ fetch "$url/metrics?$(head -c 20000 /dev/zero | tr '\0' x)"
-  414 
+  414 text/plain; charset=utf-8
   $ voractl --sim get DO1/Level
   low
 

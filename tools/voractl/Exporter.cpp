@@ -3,7 +3,6 @@
 #include <time.h>
 
 #include <cstdio>
-#include <sstream>
 
 #include "Format.h"
 #include "Prometheus.h"
@@ -56,18 +55,23 @@ std::string Exporter::read() {
                  duration);
 }
 
-std::shared_ptr<const std::string> Exporter::scrape() {
+std::shared_ptr<const Exposition> Exporter::scrape(std::chrono::steady_clock::time_point arrived) {
     std::unique_lock<std::mutex> lock(shared_);
-    if (reading_) {
+    // A reading that ended after the scrape arrived was under way then (or
+    // began since): it is as fresh as the scrape asks.
+    const auto fresh = [&] { return latest_ != nullptr && finished_ >= arrived; };
+    while (reading_ && !fresh()) {
         const uint64_t under_way = readings_;
         done_.wait(lock, [&] { return readings_ != under_way; });
+    }
+    if (fresh()) {
         return latest_;
     }
-    reading_ = true;
+    reading_ = true;  // a reading that failed is tried again by those who waited for it
     lock.unlock();
-    std::shared_ptr<const std::string> result;
+    std::shared_ptr<const Exposition> result;
     try {
-        result = std::make_shared<const std::string>(read());
+        result = std::make_shared<const Exposition>(read());
     } catch (...) {
         lock.lock();
         reading_ = false;
@@ -77,6 +81,7 @@ std::shared_ptr<const std::string> Exporter::scrape() {
     }
     lock.lock();
     latest_ = result;
+    finished_ = std::chrono::steady_clock::now();
     reading_ = false;
     ++readings_;
     done_.notify_all();
@@ -118,24 +123,6 @@ std::string Exporter::library() {
                                  GenerationText(library->generation), "path",
                                  library->path.c_str()));
     return JsonText(json.get());
-}
-
-std::string OpenMetricsText(const std::string& text) {
-    // Only counters end in "_total" in our exposition (the naming guide's
-    // rule), so every such family is a counter's.
-    std::istringstream in(text);
-    std::string line;
-    std::string out;
-    while (std::getline(in, line)) {
-        if (line.rfind("# HELP ", 0) == 0 || line.rfind("# TYPE ", 0) == 0) {
-            const size_t end = line.find(' ', 7);
-            if (end != std::string::npos && end >= 7 + 6 && line.compare(end - 6, 6, "_total") == 0) {
-                line.erase(end - 6, 6);
-            }
-        }
-        out += line + "\n";
-    }
-    return out + "# EOF\n";
 }
 
 }  // namespace voractl

@@ -2,12 +2,14 @@
 // read from the module on demand, one reading at a time.
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
 
+#include "Exposition.h"
 #include "Truth.h"
 
 namespace voractl {
@@ -18,11 +20,12 @@ class Exporter {
 public:
     explicit Exporter(Session& session) : session_(session) {}
 
-    // The metrics of a fresh reading of the board. Only one thread reads
-    // the module at a time; a scrape that arrives while a reading is under
-    // way waits for it and shares its result, so a burst of scrapes costs
-    // the board one reading.
-    std::shared_ptr<const std::string> scrape();
+    // The metrics of a fresh reading of the board for a scrape that
+    // arrived at `arrived`. Only one thread reads the module at a time; a
+    // scrape that arrives while a reading is under way shares its result
+    // (waiting for it, or taking it when it is done), so a burst of scrapes
+    // costs the board one reading, and each form of it is built once.
+    std::shared_ptr<const Exposition> scrape(std::chrono::steady_clock::time_point arrived);
 
     // Initialises the module when it is not up; its status (0: up). Called
     // by the retry loop; waits for a reading under way.
@@ -50,11 +53,8 @@ private:
     std::condition_variable done_;
     bool reading_ = false;
     uint64_t readings_ = 0;  // readings finished
-    std::shared_ptr<const std::string> latest_;
+    std::shared_ptr<const Exposition> latest_;
+    std::chrono::steady_clock::time_point finished_;  // when latest_ was read
 };
-
-// The text format as OpenMetrics 1.0 writes it: a counter's family named
-// without its "_total", and "# EOF" at the end.
-std::string OpenMetricsText(const std::string& text);
 
 }  // namespace voractl
