@@ -193,6 +193,7 @@ struct HttpCore::Gate {
     // Takes no more work and waits for the work under way: after this, no
     // connection is set aside and the daemon can stop.
     void close() {
+        login.stop();
         std::unique_lock<std::mutex> lock(mutex);
         closing = true;
         idle.wait(lock, [this] { return busy == 0; });
@@ -402,6 +403,10 @@ MHD_Result Gate::resume(MHD_Connection* connection, const char* url, Exchange& e
         case Exchange::Stage::Checked:
             if (exchange.allowed) {
                 return answer(connection, exchange);
+            }
+            if (login.stopping()) {
+                return send(connection, HttpReply::Text(MHD_HTTP_SERVICE_UNAVAILABLE,
+                                                        "The exporter is stopping.\n"));
             }
             login.refused(exchange.user, ClientOf(connection));
             return send(connection, HttpReply::Text(MHD_HTTP_UNAUTHORIZED,

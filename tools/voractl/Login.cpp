@@ -76,6 +76,10 @@ Login::Verdict Login::known(const std::string& user, const std::string& password
 bool Login::check(const std::string& user, const std::string& password,
                   std::function<void(bool)> done) {
     return checks_->post([this, user, password, done = std::move(done)] {
+        if (stopping_) {
+            done(false);
+            return;
+        }
         const bool allowed = verify(user, password);
         if (Keepable(user, password)) {
             std::lock_guard<std::mutex> lock(mutex_);

@@ -11,6 +11,7 @@
 // - failed logins are logged, at most one line in 10 seconds.
 #pragma once
 
+#include <atomic>
 #include <deque>
 #include <functional>
 #include <map>
@@ -46,6 +47,11 @@ public:
     // Logs a refused login from `address`, within the log's bound.
     void refused(const std::string& user, const std::string& address);
 
+    // Checks still waiting are answered at once, as refused, unlogged: a
+    // server that stops does not run a queue of bcrypt checks first.
+    void stop() { stopping_ = true; }
+    bool stopping() const { return stopping_; }
+
 private:
     // A bounded set of verdicts, the oldest dropped first.
     class Kept {
@@ -64,6 +70,7 @@ private:
 
     const std::map<std::string, std::string> users_;
     std::string decoy_;  // the hash an unknown user is checked against
+    std::atomic<bool> stopping_{false};
     std::mutex mutex_;   // guards the verdicts
     Kept allowed_{64};
     Kept refused_{256};

@@ -9,7 +9,7 @@ ThrottledLog::ThrottledLog(std::string what, std::chrono::seconds period)
 
 ThrottledLog::~ThrottledLog() {
     if (held_ > 0) {
-        std::fprintf(stderr, "voractl: %lu more %s not shown\n", held_, what_.c_str());
+        std::fprintf(stderr, "voractl: %s not shown: %lu\n", what_.c_str(), held_);
     }
 }
 
@@ -21,8 +21,8 @@ void ThrottledLog::say(const std::string& message) {
         return;
     }
     if (held_ > 0) {
-        std::fprintf(stderr, "voractl: %s (and %lu more %s not shown)\n", message.c_str(), held_,
-                     what_.c_str());
+        std::fprintf(stderr, "voractl: %s (%s not shown since the last: %lu)\n", message.c_str(),
+                     what_.c_str(), held_);
     } else {
         std::fprintf(stderr, "voractl: %s\n", message.c_str());
     }
