@@ -40,9 +40,9 @@ is the least offered, with forward-secret key exchange and AEAD ciphers
 only: a client that would take anything gets no handshake with TLS 1.0 or
 1.1 or a CBC cipher. The next scrape is answered:
 
-  $ fetch http://$address/metrics
+  $ fetch http://$address/metrics || echo "no answer"
   000
-  [52]
+  no answer
   $ handshake() { echo | openssl s_client -connect $address "$@" 2>&1 | grep -o -m 1 'Cipher is .*'; }
   $ handshake -tls1 -cipher 'DEFAULT:@SECLEVEL=0'
   Cipher is (NONE)
@@ -79,9 +79,9 @@ can serves every connection from then on:
   $ hup web.yml 2
   $ fetch --cacert cert.pem -u prometheus:scrape-me https://$address/metrics
   200
-  $ fetch http://$address/metrics
+  $ fetch http://$address/metrics || echo "no answer"
   000
-  [52]
+  no answer
   $ kill -TERM $server; wait $server; echo "exit $?"
   exit 0
   $ grep -E '^(VoraLib|voractl: SIGHUP)' serve.err | sed 's/ =.*//'

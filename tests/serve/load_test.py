@@ -316,7 +316,8 @@ def logins():
             fail("password checks took more than a core")
     finally:
         process.send_signal(signal.SIGTERM)
-        process.wait(timeout=15)
+        if process.wait(timeout=15) != 0:
+            fail(f"the exporter with basic auth exited {process.returncode} on SIGTERM")
     lines = [l for l in open(log) if "failed login" in l]
     print(f"logins: {len(lines)} log lines of failed logins in {time.time() - began:.0f} s: "
           f"{lines[-1].strip() if lines else ''}")

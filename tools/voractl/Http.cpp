@@ -498,7 +498,7 @@ MHD_Result Gate::send(MHD_Connection* connection, const HttpReply& reply) {
 
 std::unique_ptr<Gate> HttpCore::open(const WebConfig& web) {
     auto gate = std::make_unique<Gate>(*this, web);
-    unsigned flags = MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG;
+    unsigned flags = MHD_USE_EPOLL_INTERNAL_THREAD | MHD_ALLOW_SUSPEND_RESUME | MHD_USE_ERROR_LOG | MHD_USE_TURBO;
     std::vector<MHD_OptionItem> tls;
     if (web.tls()) {
         if (MHD_is_feature_supported(MHD_FEATURE_TLS) != MHD_YES) {
