@@ -55,37 +55,46 @@ std::string Exporter::read() {
                  duration);
 }
 
-std::shared_ptr<const Exposition> Exporter::scrape(std::chrono::steady_clock::time_point arrived) {
+void Exporter::scrape(std::chrono::steady_clock::time_point arrived, Scraped done) {
     std::unique_lock<std::mutex> lock(shared_);
     // A reading that ended after the scrape arrived was under way then (or
     // began since): it is as fresh as the scrape asks.
-    const auto fresh = [&] { return latest_ != nullptr && finished_ >= arrived; };
-    while (reading_ && !fresh()) {
-        const uint64_t under_way = readings_;
-        done_.wait(lock, [&] { return readings_ != under_way; });
+    if (latest_ != nullptr && finished_ >= arrived) {
+        const std::shared_ptr<const Exposition> latest = latest_;
+        lock.unlock();
+        done(latest, nullptr);
+        return;
     }
-    if (fresh()) {
-        return latest_;
+    if (reading_) {
+        waiting_.push_back(std::move(done));
+        return;
     }
-    reading_ = true;  // a reading that failed is tried again by those who waited for it
+    reading_ = true;
     lock.unlock();
     std::shared_ptr<const Exposition> result;
+    std::exception_ptr error;
     try {
         result = std::make_shared<const Exposition>(read());
     } catch (...) {
-        lock.lock();
-        reading_ = false;
-        ++readings_;
-        done_.notify_all();
-        throw;
+        error = std::current_exception();
     }
     lock.lock();
-    latest_ = result;
-    finished_ = std::chrono::steady_clock::now();
+    if (result != nullptr) {
+        latest_ = result;
+        finished_ = std::chrono::steady_clock::now();
+    }
     reading_ = false;
-    ++readings_;
-    done_.notify_all();
-    return result;
+    std::vector<Scraped> waiting;
+    waiting.swap(waiting_);
+    lock.unlock();
+    for (const Scraped& shared : waiting) {
+        try {
+            shared(result, error);
+        } catch (...) {
+            // Each answers for itself; the others are still answered.
+        }
+    }
+    done(result, error);
 }
 
 uint32_t Exporter::tryOpen() {

@@ -3,11 +3,13 @@
 #pragma once
 
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
+#include <exception>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "Exposition.h"
 #include "Truth.h"
@@ -20,12 +22,17 @@ class Exporter {
 public:
     explicit Exporter(Session& session) : session_(session) {}
 
-    // The metrics of a fresh reading of the board for a scrape that
-    // arrived at `arrived`. Only one thread reads the module at a time; a
-    // scrape that arrives while a reading is under way shares its result
-    // (waiting for it, or taking it when it is done), so a burst of scrapes
-    // costs the board one reading, and each form of it is built once.
-    std::shared_ptr<const Exposition> scrape(std::chrono::steady_clock::time_point arrived);
+    // The metrics of a fresh reading of the board, or why it failed.
+    using Scraped = std::function<void(std::shared_ptr<const Exposition>, std::exception_ptr)>;
+
+    // Calls `done` with the metrics of a fresh reading for a scrape that
+    // arrived at `arrived`. Only one thread reads the module at a time: a
+    // scrape that arrives while a reading is under way shares it, and its
+    // `done` is called by the reading thread when the reading is over (no
+    // thread waits); one that comes when no reading is under way reads on
+    // the caller's thread. A burst of scrapes costs the board one reading,
+    // and each form of it is built once.
+    void scrape(std::chrono::steady_clock::time_point arrived, Scraped done);
 
     // Initialises the module when it is not up; its status (0: up). Called
     // by the retry loop; waits for a reading under way.
@@ -50,9 +57,8 @@ private:
     std::mutex module_;  // held by whoever calls into the module
 
     std::mutex shared_;  // guards what follows
-    std::condition_variable done_;
     bool reading_ = false;
-    uint64_t readings_ = 0;  // readings finished
+    std::vector<Scraped> waiting_;  // for the reading under way
     std::shared_ptr<const Exposition> latest_;
     std::chrono::steady_clock::time_point finished_;  // when latest_ was read
 };

@@ -204,8 +204,7 @@ struct HttpCore::Gate {
     MHD_Result resume(MHD_Connection* connection, const char* url, Exchange& exchange);
     MHD_Result answer(MHD_Connection* connection, Exchange& exchange);
     MHD_Result aside(MHD_Connection* connection, Exchange& exchange,
-                     const std::function<bool(std::function<void()>)>& post,
-                     std::function<void()> work);
+                     const std::function<bool(std::function<void()>)>& start);
     MHD_Result send(MHD_Connection* connection, const HttpReply& reply);
 };
 
@@ -387,15 +386,13 @@ MHD_Result Gate::start(MHD_Connection* connection, const char* url, Exchange& ex
         case Login::Verdict::Unchecked:
             break;
     }
-    return aside(
-        connection, exchange,
-        [this, &exchange, secret](std::function<void()> job) {
-            return login.check(exchange.user, secret, [&exchange, job](bool allowed) {
-                exchange.allowed = allowed;
-                job();
-            });
-        },
-        [&exchange] { exchange.stage = Exchange::Stage::Checked; });
+    return aside(connection, exchange, [this, &exchange, secret](std::function<void()> back) {
+        return login.check(exchange.user, secret, [&exchange, back](bool allowed) {
+            exchange.allowed = allowed;
+            exchange.stage = Exchange::Stage::Checked;
+            back();
+        });
+    });
 }
 
 MHD_Result Gate::resume(MHD_Connection* connection, const char* url, Exchange& exchange) {
@@ -421,43 +418,49 @@ MHD_Result Gate::resume(MHD_Connection* connection, const char* url, Exchange& e
 }
 
 MHD_Result Gate::answer(MHD_Connection* connection, Exchange& exchange) {
-    return aside(
-        connection, exchange,
-        [this](std::function<void()> job) { return core.workers.post(std::move(job)); },
-        [this, &exchange] {
+    return aside(connection, exchange, [this, &exchange](std::function<void()> back) {
+        return core.workers.post([this, &exchange, back] {
+            // The first answer counts: a site that throws after answering
+            // has answered.
+            auto answered = std::make_shared<std::atomic<bool>>(false);
+            const HttpServer::Reply reply = [&exchange, back, answered](HttpReply got) {
+                if (!answered->exchange(true)) {
+                    exchange.reply = std::move(got);
+                    exchange.stage = Exchange::Stage::Answered;
+                    back();
+                }
+            };
             try {
-                exchange.reply = core.site(exchange.request);
+                core.site(exchange.request, reply);
             } catch (const std::exception& e) {
-                exchange.reply = HttpReply::Text(MHD_HTTP_INTERNAL_SERVER_ERROR,
-                                                 std::string("The board could not be read: ") +
-                                                     e.what() + "\n");
+                reply(HttpReply::Text(MHD_HTTP_INTERNAL_SERVER_ERROR,
+                                      std::string("The board could not be read: ") + e.what() +
+                                          "\n"));
             }
-            exchange.stage = Exchange::Stage::Answered;
         });
+    });
 }
 
-// Sets the connection aside while `work` runs on another thread (`post`
-// queues it there); the work's end brings the connection back, and
-// libmicrohttpd calls again.
+// Sets the connection aside while `start` has work done for it on another
+// thread, handing that work `back`, to be called once when it is done: the
+// connection comes back and libmicrohttpd calls again. `start` answers
+// false when the work could not be queued.
 MHD_Result Gate::aside(MHD_Connection* connection, Exchange& exchange,
-                       const std::function<bool(std::function<void()>)>& post,
-                       std::function<void()> work) {
+                       const std::function<bool(std::function<void()>)>& start) {
     if (!take()) {
         return send(connection, HttpReply::Text(MHD_HTTP_SERVICE_UNAVAILABLE,
                                                 "The exporter is stopping.\n"));
     }
     MHD_suspend_connection(connection);
-    const bool posted = post([this, connection, work = std::move(work)] {
-        work();
+    const auto back = [this, connection] {
         MHD_resume_connection(connection);
         give();
-    });
-    if (!posted) {
+    };
+    if (!start(back)) {
         exchange.reply = HttpReply::Text(MHD_HTTP_SERVICE_UNAVAILABLE,
                                          "Too many requests at once: try again.\n");
         exchange.stage = Exchange::Stage::Answered;
-        MHD_resume_connection(connection);
-        give();
+        back();
     }
     return MHD_YES;
 }

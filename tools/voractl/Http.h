@@ -70,9 +70,12 @@ struct HttpLimits {
 
 class HttpServer {
 public:
-    // Answers what a request asks (called on a worker thread); throws for
-    // a 500.
-    using Site = std::function<HttpReply(const HttpRequest&)>;
+    // Answers what a request asks: called on a worker thread, it calls
+    // `reply` once, then or later, from any thread (a scrape answers when
+    // the reading it shares is done, so no thread waits for it). Throwing
+    // instead gives a 500.
+    using Reply = std::function<void(HttpReply)>;
+    using Site = std::function<void(const HttpRequest&, const Reply& reply)>;
 
     // Starts serving, with TLS and basic auth as `web` says; throws
     // ToolError when the address cannot be had or TLS cannot start with the

@@ -11,51 +11,56 @@ namespace {
 
 const char kJson[] = "application/json";
 
-// The scrape's reading in the form the scraper asks for: shared with every
-// other scrape of the same reading that asks for the same.
-HttpReply Metrics(Exporter& exporter, const HttpRequest& request) {
-    const std::shared_ptr<const Exposition> reading = exporter.scrape(request.arrived);
+// Answers with the scrape's reading in the form the scraper asks for:
+// shared with every other scrape of the same reading that asks for the same.
+void Metrics(Exporter& exporter, const HttpRequest& request, const HttpServer::Reply& reply) {
     const MetricsFormat format = PreferredFormat(request.header("Accept"));
-    HttpReply reply{200, nullptr, Exposition::Type(format), false};
-    if (AcceptsGzip(request.header("Accept-Encoding"))) {
-        reply.body = reading->form(format, true);
-        reply.gzip = reply.body != nullptr;
-    }
-    if (reply.body == nullptr) {
-        reply.body = reading->form(format, false);
-    }
-    return reply;
+    const bool gzip = AcceptsGzip(request.header("Accept-Encoding"));
+    exporter.scrape(request.arrived, [reply, format, gzip](std::shared_ptr<const Exposition> reading,
+                                                           std::exception_ptr error) {
+        try {
+            if (error != nullptr) {
+                std::rethrow_exception(error);
+            }
+            HttpReply answer{200, nullptr, Exposition::Type(format), false};
+            if (gzip) {
+                answer.body = reading->form(format, true);
+                answer.gzip = answer.body != nullptr;
+            }
+            if (answer.body == nullptr) {
+                answer.body = reading->form(format, false);
+            }
+            reply(answer);
+        } catch (const std::exception& e) {
+            reply(HttpReply::Text(500, std::string("The board could not be read: ") + e.what() +
+                                           "\n"));
+        }
+    });
 }
 
 }  // namespace
 
 HttpServer::Site ExporterSite(Exporter& exporter, Sampler& sampler) {
-    return [&exporter, &sampler](const HttpRequest& request) {
+    return [&exporter, &sampler](const HttpRequest& request, const HttpServer::Reply& reply) {
         const std::string& path = request.path;
         if (path == "/metrics") {
-            return Metrics(exporter, request);
-        }
-        if (const PageAsset* asset = FindPageAsset(path)) {
-            return HttpReply::Content(request, asset->text, asset->type);
-        }
-        if (path == "/api/v1/document") {
-            return HttpReply::Content(request, exporter.document(), kJson);
-        }
-        if (path == "/api/v1/library") {
-            return HttpReply::Content(request, exporter.library(), kJson);
-        }
-        if (path == "/api/v1/items") {
-            return HttpReply::Content(request, sampler.items(), kJson);
-        }
-        if (path == "/api/v1/samples") {
+            Metrics(exporter, request, reply);
+        } else if (const PageAsset* asset = FindPageAsset(path)) {
+            reply(HttpReply::Content(request, asset->text, asset->type));
+        } else if (path == "/api/v1/document") {
+            reply(HttpReply::Content(request, exporter.document(), kJson));
+        } else if (path == "/api/v1/library") {
+            reply(HttpReply::Content(request, exporter.library(), kJson));
+        } else if (path == "/api/v1/items") {
+            reply(HttpReply::Content(request, sampler.items(), kJson));
+        } else if (path == "/api/v1/samples") {
             const std::optional<uint64_t> since = SinceArgument(request.argument("since"));
-            if (!since) {
-                return HttpReply::Text(400,
-                                       "since: give the sequence number of the last sample seen.\n");
-            }
-            return HttpReply::Content(request, sampler.samples(*since), kJson);
+            reply(since ? HttpReply::Content(request, sampler.samples(*since), kJson)
+                        : HttpReply::Text(400, "since: give the sequence number of the last sample "
+                                               "seen.\n"));
+        } else {
+            reply(HttpReply::Text(404, "Not found: see / and /metrics.\n"));
         }
-        return HttpReply::Text(404, "Not found: see / and /metrics.\n");
     };
 }
 
