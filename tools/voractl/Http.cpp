@@ -41,9 +41,10 @@ const char kPlain[] = "text/plain; charset=utf-8";
 // headers; only a larger one gets libmicrohttpd's own.
 size_t BufferBytes(const HttpLimits& limits) { return 2 * limits.requestBytes; }
 
-// Threads that answer requests: a scrape waits for the reading under way
-// (and shares it) on one of them, so a few serve any number of scrapers.
-const unsigned kWorkers = 4;
+// Threads that answer requests. A scrape that shares a reading holds none
+// of them while it waits, so two serve any number of scrapers: one reads the
+// board while the other answers the page. More only wake for nothing.
+const unsigned kWorkers = 2;
 
 // "127.0.0.1" or "::1".
 std::string HostText(const sockaddr* address) {
