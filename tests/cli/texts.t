@@ -1,0 +1,74 @@
+Texts from the board are shown, never obeyed: human output escapes control
+characters, escape sequences, bidirectional overrides and bytes that are not
+UTF-8, as ls -b does, and keeps its columns; a name may be typed as shown.
+JSON carries the texts whole, in its own escapes.
+
+  $ cat > board.json <<'END'
+  > {"board": {"name": "VB\u001b[31mRED\u0007", "manufacturer": "Tab\there\nand a line",
+  >            "serial_number": "\u009b2J\u202eevil\\"},
+  >  "sensors": {"temperature": [{"index": 0, "name": "CPU\u001b]0;owned\u0007", "value": 48.5}],
+  >              "voltage": [{"index": 0, "name": "V\tCORE", "value": 1.05},
+  >                          {"index": 1, "name": "\r3V3", "value": 3.3}],
+  >              "fan": [{"index": 0, "name": "CPU\u001b]0;owned\u0007", "value": 2400}]},
+  >  "gpio": [{"pin": 0, "name": "DI\n0", "input": true, "output": false, "level": 1}],
+  >  "backlight": [{"panel": 0, "name": "LV\u001b[2JDS", "brightness": 80, "min": 0, "max": 100}],
+  >  "faults": [{"function": "VoraBoardGetValue", "arg": "0x21001", "status": "0xFFFFF0FF", "after": 1}]}
+  > END
+  $ vora() { voractl --sim=board.json "$@"; }
+  $ vora list
+  module: VORADrv get value: function:Hardware Monitor get value failed fffff0ff
+  voractl: cannot read Hardware Monitor/Voltage/\r3V3: error (0xFFFFF0FF)
+  Board library: libVORA-4.00 (fourth generation), */sim/libVORA-4.00.so (glob)
+  Platform Information
+      0x1010401  Board manufacturer   Tab\there\nand a line                                           read-only
+      0x1010402  Board name           VB\e[31mRED\x07                                                 read-only
+      0x1010404  Board serial number  \xc2\x9b2J\xe2\x80\xaeevil\\                                    read-only
+  Hardware Monitor
+    Voltage
+      0x1020201  V\tCORE              1.050 V                       (min = 0.000 V, max = 50.000 V)   read-only
+      0x1020202  \r3V3                N/A                           (min = 0.000 V, max = 50.000 V)   read-only
+    Temperature
+      0x1020101  CPU\\e]0;owned\\x07    +48.5 \xc2\xb0C                      (min = +0.0 \xc2\xb0C, max = +100.0 \xc2\xb0C)  read-only (esc)
+    Fan Speed
+      0x1020301  CPU\e]0;owned\x07    2400 RPM                      (min = 0 RPM, max = 8000 RPM)     read-only
+  GPIO
+      pin  name                 dir  level
+        0  DI\n0                in   high   read-only
+  Backlight
+    LV\e[2JDS
+      0x1050501  Brightness           80                            (min = 0, max = 100)
+  [1]
+  $ vora get 'Board name' 'Board manufacturer' 'Board serial number' 'Fan Speed/CPU\e]0;owned\x07'
+  Platform Information/Board name: VB\e[31mRED\x07
+  Platform Information/Board manufacturer: Tab\there\nand a line
+  Platform Information/Board serial number: \xc2\x9b2J\xe2\x80\xaeevil\\
+  Hardware Monitor/Fan Speed/CPU\e]0;owned\x07: 2400 RPM
+  $ vora get 'CPU\e]0;owned\x07'
+  voractl: "CPU\\e]0;owned\\x07" names more than one item; one of:
+    Hardware Monitor/Temperature/CPU\e]0;owned\x07 (0x1020101)
+    Hardware Monitor/Fan Speed/CPU\e]0;owned\x07 (0x1020301)
+  [2]
+  $ vora set 'DI\n0/Level=1'
+  voractl: cannot set GPIO/DI\n0/Level to 1: it is read-only
+  [1]
+  $ vora watch --count 1 Temperature 'DI\n0' | cut -d ' ' -f 2-
+   Temperature/CPU\\e]0;owned\\x07=+48.5 \xc2\xb0C  DI\\n0/Dir=in  DI\\n0/Level=high (esc)
+  $ vora get --json 'Board name' 'Board manufacturer' 'Board serial number' Temperature |
+  >   grep -E '"(name|value)"'
+      "name": "Board name",
+      "value": "VB\u001B[31mRED\u0007"
+      "name": "Board manufacturer",
+      "value": "Tab\there\nand a line"
+      "name": "Board serial number",
+      "value": "\xc2\x9b2J\xe2\x80\xaeevil\\\\" (esc)
+      "name": "CPU\u001B]0;owned\u0007",
+      "value": 48.5,
+
+This machine's own texts are shown the same way, invalid UTF-8 and all:
+
+  $ voractl --sim get $'\xff\e[1m\xc3'
+  voractl: no item or group "\xff\e[1m\xc3" (see voractl list)
+  [2]
+  $ mkdir $'module\e[1m\xff' && cp "$(voractl --sim info --json | grep -o '/[^"]*libVORADrv.so' | head -1)" $'module\e[1m\xff/'
+  $ voractl --module $'module\e[1m\xff/libVORADrv.so' --sim info | head -1
+  Module         module\e[1m\xff/libVORADrv.so (version unknown)
