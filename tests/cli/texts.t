@@ -64,6 +64,15 @@ JSON carries the texts whole, in its own escapes.
       "name": "CPU\u001B]0;owned\u0007",
       "value": 48.5,
 
+A text of 4 KiB, the longest the third generation gives, runs past its
+column; the other rows keep theirs:
+
+  $ printf '{"board": {"name": "%05000d"}}' 0 > long.json
+  $ voractl --sim=long.json --sim-generation 3 list 'Platform Information' | awk 'NR > 1 { print length }'
+  20
+  4137
+  82
+
 This machine's own texts are shown the same way, invalid UTF-8 and all:
 
   $ voractl --sim get $'\xff\e[1m\xc3'

@@ -9,6 +9,10 @@ namespace voractl {
 
 namespace {
 
+// A value wider than this (a long board text) runs past its column rather
+// than pushing the limits of every other row off the screen.
+constexpr size_t kWidestValue = 40;
+
 std::string Padded(const std::string& shown, const std::string& plain, size_t width) {
     return shown + std::string(width - std::min(width, DisplayWidth(plain)), ' ');
 }
@@ -93,7 +97,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
         if (columns.pins && row.item->block == "GPIO") {
             nameWidth = std::max(nameWidth, DisplayWidth(Printable(row.item->group)));
         }
-        valueWidth = std::max(valueWidth, DisplayWidth(row.value));
+        valueWidth = std::max(valueWidth, std::min(DisplayWidth(row.value), kWidestValue));
         limitsWidth = std::max(limitsWidth, DisplayWidth(Limits(*row.item)));
     }
     std::vector<std::string> lines;
