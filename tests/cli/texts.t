@@ -73,6 +73,15 @@ column; the other rows keep theirs:
   4137
   82
 
+The simulator quotes a profile's text in its messages in JSON's escapes:
+
+  $ printf '{"board": {"name": "x"}, "bogus\\u001b[2J": 1}' > bad.json
+  $ voractl --sim=bad.json list
+  vorasim: libVORA-4.00: */bad.json: profile: unknown key "bogus\u001B[2J" (glob)
+  module: [VORADrv] VORA4 can not load (0xFFFFFCFF)
+  voractl: cannot initialise the module: unsupported (0xFFFFFCFF)
+  [1]
+
 This machine's own texts are shown the same way, invalid UTF-8 and all:
 
   $ voractl --sim get $'\xff\e[1m\xc3'
