@@ -11,15 +11,6 @@ module, and read back after:
   $ voractl --sim set 'Current device IP' 1.2.3.4
   voractl: cannot set OOB-Network/OOBNetwork0/Current device IP to 1.2.3.4: it is read-only
   [1]
-  $ voractl --sim set DI0/Level 1
-  voractl: cannot set GPIO/DI0/Level to 1: it is read-only
-  [1]
-  $ voractl --sim set 'Board name' X
-  voractl: cannot set Platform Information/Board name to X: it is read-only
-  [1]
-  $ voractl --sim set DO1/Dir in
-  voractl: cannot set GPIO/DO1/Dir to in: it is read-only
-  [1]
   $ voractl --sim set 'Network control=19'
   voractl: cannot set OOB-Network/OOBNetwork0/Network control to 19: 19 is outside its range 0..18
   [1]
@@ -30,12 +21,12 @@ module, and read back after:
   voractl: set takes NAME=VALUE... or ITEM VALUE
   [2]
 
-A two-state item takes 0, 1 and the words of its own kind, in any case, and
+A two-state item takes 1, 0 and the words of its own kind, in any case, and
 no word of another kind: a row per word, a column per item of each
-generation, with the state it sets or - where it is refused (and then
-nothing is written):
+generation, the state it sets or - where it is refused. NAME=VALUE pairs
+are all checked before any is written:
 
-  $ words=(in out high low active inactive on off true false 1 0 Out HIGH True '' 2 ' 1')
+  $ words=(in out high low active inactive on off true false 1 0 HIGH '' 2)
   $ states() {  # GENERATION ITEM...: each word's state on each item
   >   local generation=$1 word item pairs=(); shift
   >   for word in "${words[@]}"; do for item; do pairs+=("$item=$word"); done; done
@@ -59,36 +50,23 @@ nothing is written):
   =false    | - - 0| - -| - - 0
   =1        | 1 1 1| 1 1| 1 1 1
   =0        | 0 0 0| 0 0| 0 0 0
-  =Out      | 0 - -| 0 -| 0 - -
   =HIGH     | - 1 -| - 1| - 1 -
-  =True     | - - 1| - -| - - 1
   =         | - - -| - -| - - -
   =2        | - - -| - -| - - -
-  = 1       | - - -| - -| - - -
-  $ voractl --sim set GPIO4/Dir=low GPIO4/Level=out LVDS/Backlight=in
-  voractl: cannot set GPIO/GPIO4/Dir to low: "low" is not a direction (in/out or 1/0)
+  $ voractl --sim set GPIO4/Dir=out GPIO4/Level=out LVDS/Backlight=in Brightness=5
   voractl: cannot set GPIO/GPIO4/Level to out: "out" is not a level (high/low, active/inactive or 1/0)
   voractl: cannot set Backlight/LVDS/Backlight to in: "in" is not an on/off state (on/off, true/false or 1/0)
   [1]
-  $ voractl --sim get GPIO4/Dir GPIO4/Level LVDS/Backlight
+  $ voractl --sim get GPIO4/Dir Brightness
   GPIO/GPIO4/Dir: in
-  GPIO/GPIO4/Level: low
-  Backlight/LVDS/Backlight: on
+  Backlight/LVDS/Brightness: 80
   $ voractl --sim set --force GPIO4/Dir=low
   voractl: cannot set GPIO/GPIO4/Dir to low: "low" is not a direction (in/out or 1/0) nor an integer
   [1]
 
-NAME=VALUE pairs, as gpioset takes them, are all checked before any is
-written; two-state items take words, brightness a share of its range or a
-step from where it is:
+NAME=VALUE pairs, as gpioset takes them; brightness a share of its range or
+a step from where it is:
 
-  $ voractl --sim set DO1/Level=low Brightness=5
-  $ voractl --sim set DO1/Level=inactive Brightness=500
-  voractl: cannot set Backlight/LVDS/Brightness to 500: 500 is outside its range 0..100
-  [1]
-  $ voractl --sim get DO1/Level Brightness
-  GPIO/DO1/Level: low
-  Backlight/LVDS/Brightness: 5
   $ voractl --sim set DO1/Level=high GPIO4/Dir=out 'Backlight/LVDS/Brightness=50%' Polarity=on
   $ voractl --sim get DO1/Level GPIO4/Dir Brightness Polarity
   GPIO/DO1/Level: high
