@@ -62,6 +62,9 @@ escaped as the board's, invalid UTF-8 too:
   module: [VORADrv] VORA4 can not load (0xFFFFFCFF)
   voractl: cannot initialise the module: unsupported (0xFFFFFCFF)
   [1]
+  $ voractl --sim get $'\xc3(\xc0\xaf\xe0\x80\xaf\xe2\x82(\xed\xa0\x80\xf4\x90\x80\x80\xf0\x8f\xbf\xbf\x80\xe2\x81\xa7\xc3\xa9\xc3'
+  voractl: no item or group "\\xc3(\\xc0\\xaf\\xe0\\x80\\xaf\\xe2\\x82(\\xed\\xa0\\x80\\xf4\\x90\\x80\\x80\\xf0\\x8f\\xbf\\xbf\\x80\\xe2\\x81\\xa7\xc3\xa9\\xc3" (see voractl list) (esc)
+  [2]
   $ mkdir $'module\e[1m\xff' && cp "$(voractl --sim info --json | grep -o '/[^"]*libVORADrv.so' | head -1)" $'module\e[1m\xff/'
   $ voractl --module $'module\e[1m\xff/libVORADrv.so' --sim info | head -1
   Module         module\e[1m\xff/libVORADrv.so (version unknown)
