@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+#include "Printable.h"
+
 namespace voractl {
 
 namespace {
@@ -18,23 +20,6 @@ bool Keepable(const std::string& user, const std::string& password) {
 
 std::string Key(const std::string& user, const std::string& password) {
     return user + '\0' + password;  // a name from basic auth holds no NUL
-}
-
-// A user name as a log line can show it: printable ASCII, the rest as
-// \xHH, at most 64 characters.
-std::string Shown(const std::string& text) {
-    std::string out;
-    for (size_t i = 0; i < text.size() && i < 64; ++i) {
-        const unsigned char c = static_cast<unsigned char>(text[i]);
-        if (c >= 0x20 && c < 0x7f && c != '"' && c != '\\') {
-            out += static_cast<char>(c);
-        } else {
-            char escaped[8];
-            std::snprintf(escaped, sizeof escaped, "\\x%02X", c);
-            out += escaped;
-        }
-    }
-    return text.size() > 64 ? out + "..." : out;
 }
 
 }  // namespace
@@ -105,7 +90,9 @@ bool Login::verify(const std::string& user, const std::string& password) const {
 }
 
 void Login::refused(const std::string& user, const std::string& address) {
-    log_.say("failed login as \"" + Shown(user) + "\" from " + address);
+    // At most 64 bytes of it, escaped as every board text shown is.
+    log_.say("failed login as \"" + Printable(user.substr(0, 64)) + "\"" +
+             (user.size() > 64 ? "..." : "") + " from " + address);
 }
 
 }  // namespace voractl
