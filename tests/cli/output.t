@@ -10,7 +10,7 @@ A regular file, or none, is replaced atomically, never left half written:
   $ out board.prom && head -1 board.prom
   # HELP voradrv_boots_total Times the board has started (Boot up times).
   $ echo old > kept.prom && chmod 0640 kept.prom && out kept.prom && grep -c voradrv_ kept.prom
-  121
+  153
   $ ls -A
   board.prom
   kept.prom
@@ -21,7 +21,7 @@ A symbolic link's target is written, the link stays:
 
   $ ln -s target.prom link.prom && out link.prom && stat -c %F link.prom && grep -c voradrv_ target.prom
   symbolic link
-  121
+  153
   $ mkdir sub && ln -s sub/deep.prom via.prom && out via.prom && ls sub
   deep.prom
 
@@ -29,15 +29,15 @@ A FIFO and a character device are written to as they are, and so is
 /dev/stdout; "-" is standard output:
 
   $ mkfifo fifo && { grep -c voradrv_ < fifo > count & } && out fifo && wait $! && cat count && stat -c %F fifo
-  121
+  153
   fifo
   $ mknod null c 1 3 && out null && stat -c %F null
   character special file
   $ out /dev/stdout | grep -c voradrv_; stat -c %F /dev/stdout
-  121
+  153
   symbolic link
   $ out - | grep -c voradrv_; [ ! -e ./- ] && echo "no file named -"
-  121
+  153
   no file named -
 
 A socket is connected to:
@@ -50,7 +50,7 @@ A socket is connected to:
   > while chunk := c.recv(65536): data += chunk
   > print(data.decode().count("voradrv_"))' > socket.out &
   $ while ! grep -q listening socket.out 2>/dev/null; do sleep 0.05; done; out board.sock; wait; tail -1 socket.out
-  121
+  153
 
 A directory or block device is refused, and nothing is written:
 

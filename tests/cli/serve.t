@@ -31,11 +31,14 @@ voractl shows them, and the exporter's own; promtool accepts it:
   $ promtool check metrics < metrics
 
 The board page's JSON: the capability document as the module built it, and
-the records "voractl list --json" prints; every answer forbids content from
-anywhere else:
+the records "voractl list --json" prints, with each value's "text" and
+"limits" as voractl shows them; every answer forbids content from anywhere
+else:
 
-  $ diff <(curl -s $url/api/v1/items | python3 -m json.tool --sort-keys) \
-  >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys)
+  $ curl -s $url/api/v1/items | python3 -c 'import json, sys; print([r.get("text") for r in json.load(sys.stdin) if r["name"] == "VCORE"])'
+  ['1.050 V']
+  $ diff <(curl -s $url/api/v1/items | python3 -c 'import json, sys; print(json.dumps([{k: v for k, v in r.items() if k not in ("text", "limits")} for r in json.load(sys.stdin)], indent=1, sort_keys=True))') \
+  >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys --indent 1)
   $ diff <(curl -s $url/api/v1/document | python3 -m json.tool --sort-keys) \
   >      <(voractl --sim --quiet caps | python3 -m json.tool --sort-keys)
   $ curl -s "$url/api/v1/samples?since=0" | python3 -c 'import json, sys; s = json.load(sys.stdin); print(s["interval"], len(s["samples"]) >= 1)'
@@ -142,17 +145,22 @@ reads (initialise makes the first):
   $ stop
   exit 0
 
-A module that does not come up leaves the exporter serving voradrv_up 0,
-and trying again, a little later each time:
+A module that does not come up leaves the exporter serving voradrv_up 0
+with the status and time of the failure, and trying again, a little later
+each time; once up, it publishes its items, and the failure stays told:
 
   $ cat > late.json <<'JSON'
   > {"board": {"name": "VB-1"}, "faults": [{"function": "VoraLibInitialize", "status": "0xFFFFF0FF", "times": 1}]}
   > JSON
   $ serve --sim=late.json --quiet
-  $ curl -s $url/metrics | grep -E '^voradrv_up'
+  $ curl -s $url/metrics | grep -E '^voradrv_(up|last_initialize|published|build)'
+  voradrv_build_info{version="1.0.0"} 1
+  voradrv_last_initialize_error_timestamp_seconds{error="error (0xFFFFF0FF)"} 1*.* (glob)
   voradrv_up 0
   $ for i in $(seq 50); do curl -s $url/metrics | grep -q '^voradrv_up 1' && break; sleep 0.1; done; echo "tries $((i < 50))"
   tries 1
+  $ curl -s $url/metrics | grep -cE '^voradrv_(published_items|last_initialize_error)'
+  2
   $ stop
   exit 0
   $ sed 's/(.*)/(STATUS)/' serve.err

@@ -32,8 +32,9 @@ public:
     void close();
 
     // For the board page, each under the same lock as the scrapes: every
-    // item's record as "voractl list --json" gives it (an empty array while
-    // the module is not up); the capability document as the module built
+    // item's record as "voractl list --json" gives it, with "text" (the
+    // value as voractl shows it) and "limits" (as voractl list shows them)
+    // (an empty array while the module is not up); the capability document as the module built
     // it (null while it is not up); the board library the module bound,
     // {"name", "generation", "path"} (null: none).
     JsonPtr records();
@@ -51,6 +52,10 @@ private:
     bool reading_ = false;
     uint64_t readings_ = 0;  // readings finished
     std::shared_ptr<const std::string> latest_;
+
+    // The last time initialise failed, and its status (under module_).
+    double failedAt_ = 0;
+    uint32_t failure_ = 0;
 };
 
 // The text format as OpenMetrics 1.0 writes it: a counter's family named
