@@ -110,3 +110,10 @@ Every command reports it, and exits 1:
       "value": null,
       "error": "error (0xFFFFF0FF)",
       "min": 0.0,
+
+A sensor that fails its first read, as the module starts, is not published
+at all; its block counts one item less, which an alert can see:
+
+  $ sed 's/"after": 1/"times": 1/' board.json > vanished.json
+  $ voractl --sim=vanished.json --quiet export --format prometheus | grep '^voradrv_published_items{block="Hard'
+  voradrv_published_items{block="Hardware Monitor"} 1

@@ -112,6 +112,8 @@ answers all ones and a negative rail published from 0 V are flagged too:
   Hardware Monitor/Temperature/CPU: +100.0 \xc2\xb0C (esc)
   $ voractl --sim=rails.json --raw get VN50
   -5
+  $ voractl --sim=rails.json watch --count 1 VN50 Temperature/CPU | cut -d ' ' -f 2-
+   Voltage/VN50=-5.000 V ALARM  Temperature/CPU=+100.0 \xc2\xb0C (esc)
   $ voractl --sim=rails.json list --json VN50 Chipset | grep alarm
       "alarm": true
       "alarm": true
