@@ -35,8 +35,6 @@ the records "voractl list --json" prints, with each value's "text" and
 "limits" as voractl shows them; every answer forbids content from anywhere
 else:
 
-  $ curl -s $url/api/v1/items | python3 -c 'import json, sys; print([r.get("text") for r in json.load(sys.stdin) if r["name"] == "VCORE"])'
-  ['1.050 V']
   $ diff <(curl -s $url/api/v1/items | python3 -c 'import json, sys; print(json.dumps([{k: v for k, v in r.items() if k not in ("text", "limits")} for r in json.load(sys.stdin)], indent=1, sort_keys=True))') \
   >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys --indent 1)
   $ diff <(curl -s $url/api/v1/document | python3 -m json.tool --sort-keys) \

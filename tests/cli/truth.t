@@ -117,10 +117,6 @@ answers all ones and a negative rail published from 0 V are flagged too:
   $ voractl --sim=rails.json list --json VN50 Chipset | grep alarm
       "alarm": true
       "alarm": true
-  $ voractl --sim=rails.json export --format prometheus | grep -E '^voradrv_voltage'
-  voradrv_voltage_volts{sensor="VN50"} -5
-  voradrv_voltage_max_volts{sensor="VN50"} 50
-  voradrv_voltage_min_volts{sensor="VN50"} 0
 
 The alarm is the true value's: an Embedded API temperature of 0 (tenths of
 a kelvin) is -273.1 °C, below the published minimum, also where --raw shows 0:
