@@ -321,8 +321,8 @@ function announce(alarms) {
   const names = state.records.filter((r) => alarms.has(r.id))
     .map((r) => (r.group ? r.group + " " : "") + r.name);
   const text = names.length
-    ? names.length + (names.length === 1 ? " reading is" : " readings are") +
-      " outside their published range: " + names.join(", ") + "."
+    ? names.length + (names.length === 1 ? " reading is outside its" : " readings are outside their") +
+      " published range: " + names.join(", ") + "."
     : state.records.length ? "No reading is outside its published range." : "";
   const region = document.getElementById("alarms");
   if (region.textContent !== text) {
