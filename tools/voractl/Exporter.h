@@ -33,10 +33,10 @@ public:
 
     // For the board page, each under the same lock as the scrapes: every
     // item's record as "voractl list --json" gives it, with "text" (the
-    // value as voractl shows it) and "limits" (as voractl list shows them)
-    // (an empty array while the module is not up); the capability document as the module built
-    // it (null while it is not up); the board library the module bound,
-    // {"name", "generation", "path"} (null: none).
+    // value as voractl shows it) and "limits" (as voractl list shows them),
+    // an empty array while the module is not up; the capability document as
+    // the module built it (null while it is not up); the board library the
+    // module bound, {"name", "generation", "path"} (null: none).
     JsonPtr records();
     std::string document();
     std::string library();
