@@ -180,7 +180,9 @@ function show(id, text, alarm, unreadable) {
   if (!node) {
     return;
   }
-  node.querySelector(".text").textContent = text;
+  const field = node.querySelector(".text");
+  field.textContent = text;
+  field.classList.toggle("short", text.length <= 20);  // a reading: kept on one line
   node.classList.toggle("unreadable", unreadable);
   if (node.classList.toggle("alarm", alarm) !== Boolean(node.querySelector(".mark"))) {
     if (alarm) {
