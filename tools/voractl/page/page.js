@@ -211,7 +211,8 @@ function row(record, widget, groupLimits) {
     const cell = make("td", { colspan: "3" });
     cell.append(chart.node);
     more.append(cell);
-    const button = make("button", { type: "button", "aria-controls": chart.node.id }, "Chart");
+    const button = make("button", { type: "button", "aria-controls": chart.node.id,
+                                    "aria-label": "Chart of " + record.name }, "Chart");
     button.addEventListener("click", () => open(button, more, chart, more.hidden));
     open(button, more, chart, state.openCharts);
     tr.appendChild(make("td", { class: "toggle" })).append(button);
