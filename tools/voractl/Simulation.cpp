@@ -1,8 +1,6 @@
 #include "Simulation.h"
 
 #include <jansson.h>
-#include <limits.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -158,13 +156,16 @@ std::string RecordingGeneration(const std::string& path) {
 void Simulate(SimulationRequest& request, const std::string& dir) {
     std::string profile;
     if (!request.profile.empty()) {
-        char absolute[PATH_MAX];
-        if (realpath(request.profile.c_str(), absolute) == nullptr) {
-            throw ToolError("cannot read the board profile " + request.profile + ": " +
-                            std::strerror(errno));
+        // Where it leads, for the process that runs on after the exec; a link
+        // another user planted in a shared directory is refused here, as the
+        // reader would refuse it.
+        try {
+            const vorafiles::Place place = vorafiles::Resolve(request.profile);
+            profile = place.descriptor >= 0 ? request.profile : place.path;
+        } catch (const vorafiles::FileError& e) {
+            throw ToolError("cannot read the board profile " + request.profile + ": " + e.what());
         }
-        profile = absolute;
-        setenv("VORA_SIM_BOARD", absolute, 1);
+        setenv("VORA_SIM_BOARD", profile.c_str(), 1);
     } else if (const char* board = std::getenv("VORA_SIM_BOARD"); board != nullptr) {
         profile = board;
     }
