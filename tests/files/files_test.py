@@ -255,13 +255,17 @@ def readers(build, scratch, uid):
                 os.mkfifo(path, 0o666)
             elif name == "directory":
                 os.mkdir(path)
+            elif name == "planted":  # by another user, in a sticky directory anyone may write
+                os.chmod(d, 0o1777)
+                os.symlink("/etc/hostname", path)
+                os.lchown(path, OTHER, OTHER)
             elif name == "sparse":
                 open(path, "wb").truncate(1 << 30)
             else:
                 with open(path, "wb") as f:
                     for piece in content(name, reader):
                         f.write(piece.encode("latin-1"))
-            if path != "/dev/zero":
+            if name not in ("zero", "planted"):
                 os.chown(path, uid, uid)
             command, env = commands[reader](path)
             status, error, memory = run(uid, command, env, timeout=20)
