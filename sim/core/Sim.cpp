@@ -60,7 +60,7 @@ Sim::Sim() : start_(MonotonicSeconds()) {
     }
     bool loaded = false;
     if (!lastError_.empty()) {
-        loaded = false;
+        // The board or its state cannot be read: said below.
     } else if (vorarec::IsRecording(text)) {
         // A recording answers for the library (Replay.h), and keeps the
         // writes it did not see in the state file itself.
@@ -182,8 +182,7 @@ void Sim::stateProblem(const std::string& what, const std::string& reason) const
                  state_.path().c_str(), reason.c_str());
 }
 
-bool Sim::enterCall(const char* function, bool writes, std::optional<vorafiles::Lock>& lock) {
-    (void)function;
+bool Sim::enterCall(bool writes, std::optional<vorafiles::Lock>& lock) {
     try {
         if (writes) {
             state_.lock(lock);
@@ -216,7 +215,7 @@ void Call::enter(const char* function) {
         return;
     }
     const bool writes = vorarec::Writes(function);
-    usable_ = sim_.enterCall(function, writes, lock_);
+    usable_ = sim_.enterCall(writes, lock_);
     if (writes) {
         before_ = sim_.board();
     }

@@ -60,7 +60,7 @@ public:
     // into `lock` first; then the board is brought up to date with the file.
     // Returns false when a change cannot be made (the lock or the file
     // cannot be had), having said why.
-    bool enterCall(const char* function, bool writes, std::optional<vorafiles::Lock>& lock);
+    bool enterCall(bool writes, std::optional<vorafiles::Lock>& lock);
     // Saves the board; false, having said why, when it cannot.
     bool saveState();
 

@@ -15,13 +15,21 @@ StateFile::StateFile() {
     path_ = path != nullptr ? path : "";
 }
 
+namespace {
+
+StateFile::Identity IdentityOf(const struct stat& status) {
+    return {status.st_dev, status.st_ino, status.st_size,
+            status.st_mtim.tv_sec * 1000000000LL + status.st_mtim.tv_nsec};
+}
+
+}  // namespace
+
 std::optional<StateFile::Identity> StateFile::now() const {
     struct stat status {};
     if (lstat(path_.c_str(), &status) != 0) {
         return std::nullopt;
     }
-    return Identity{status.st_dev, status.st_ino, status.st_size,
-                    status.st_mtim.tv_sec * 1000000000LL + status.st_mtim.tv_nsec};
+    return IdentityOf(status);
 }
 
 std::optional<std::string> StateFile::read() {
@@ -33,11 +41,13 @@ std::optional<std::string> StateFile::read() {
         seen_.reset();
         return std::nullopt;
     }
+    // Seen, whatever comes of reading it: a file that cannot be used is
+    // named once, not at every call, until it changes again.
+    seen_ = IdentityOf(status);
     if (!S_ISREG(status.st_mode)) {
         throw vorafiles::FileError("it is " + vorafiles::KindOf(status.st_mode) +
                                    ", not a regular file");
     }
-    seen_ = now();
     return vorafiles::Read(path_, vorafiles::kStateLimit);
 }
 

@@ -36,7 +36,7 @@ public:
     // Takes the lock for a change; it lasts as long as `lock` holds it.
     void lock(std::optional<vorafiles::Lock>& lock) const { lock.emplace(path_); }
 
-private:
+    // What tells one version of the file from the next.
     struct Identity {
         dev_t device = 0;
         ino_t inode = 0;
@@ -47,6 +47,8 @@ private:
                    modified != other.modified;
         }
     };
+
+private:
     std::optional<Identity> now() const;
 
     std::string path_;

@@ -10,6 +10,7 @@
 #include <sys/un.h>
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 
