@@ -180,7 +180,7 @@ def writers(build, scratch, uid):
             if target == "read-only":
                 mount("--bind", d, d)
                 mount("-o", "remount,bind,ro", d)
-            argument = {"stdout": "/dev/stdout", "dash": "-"}.get(target, path)
+            argument = {"stdout": "/dev/stdout", "dash": "-", "slash": path + "/"}.get(target, path)
             if target in ("stdout", "dash"):
                 stdout = open(path, "a")
             before = [snapshot(p) for p in [path, *watched]]
@@ -205,7 +205,7 @@ def writers(build, scratch, uid):
             }
             dirs = {d, os.path.dirname(path), *(os.path.dirname(w) for w in watched)}
             left = [n for p in dirs for n in os.listdir(p) if n.startswith(".")]
-            ok = after is not None and checks[kind]() and (kind == "refused" or status == 0 or writer == "standin") and not left
+            ok = (after is not None or kind == "refused") and checks[kind]() and (kind == "refused" or status == 0 or writer == "standin") and not left
             if not ok:
                 failures.append(f"{writer} {target} as uid {uid}: expected {outcome}, got exit {status}, "
                                 f"{error.strip()!r}, {after and after[:3]}, left {left}")

@@ -263,6 +263,9 @@ void Write(const std::string& path, std::string_view text, const WriteOptions& o
         WriteAll(options.standardOutput, text);
         return;
     }
+    if (!path.empty() && path.back() == '/') {
+        throw FileError("it names a directory (name a file in it)");
+    }
     struct stat status {};
     if (options.regularOnly && lstat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) {
         throw FileError("it is " + KindOf(status.st_mode) + ", not a regular file");
