@@ -11,16 +11,16 @@ module loaded (voractl watch) reads what the others wrote:
   $ grep -c 'Level=high' watched > /dev/null && echo seen
   seen
 
-The board keeps its profile's faults when it is kept: a write does not
-heal a failing sensor.
+The board keeps its profile's faults when it is kept, as the profile gives
+them: a write does not heal a sensor that fails once after its first read.
 
   $ cat > faulty.json <<'JSON'
   > {"board": {"name": "VB-1"}, "gpio": [{"pin": 3, "name": "DO1", "input": false, "output": true, "direction": "out"}],
   >  "sensors": {"voltage": [{"index": 0, "value": 1}, {"index": 1, "value": 2}]},
-  >  "faults": [{"function": "VoraBoardGetValue", "arg": "0x21001", "status": "0x1234", "after": 1}]}
+  >  "faults": [{"function": "VoraBoardGetValue", "arg": "0x21001", "status": "0x1234", "after": 1, "times": 1}]}
   > JSON
   $ voractl --sim=faulty.json set DO1/Level=1
-  $ voractl --sim=faulty.json --quiet get 0x1020202
+  $ voractl --sim=faulty.json --quiet watch --count 2 --interval 0.01 0x1020202 | cut -c 31-
   voractl: cannot read Hardware Monitor/Voltage/VCORE2: error (0xFFFFF0FF)
-  N/A
-  [1]
+   Voltage/VCORE2=N/A
+   Voltage/VCORE2=2.000 V*

@@ -8,6 +8,7 @@ writers.txt: every writer against every kind of target; readers.txt: every
 reader against every hostile input. Each cell is checked as that file says.
 Needs root (other users' files, device nodes, mounts); exits 77 without it.
 """
+import fcntl
 import json
 import os
 import select
@@ -60,7 +61,12 @@ class Collector:
 
     def __init__(self, path, kind):
         self.data, self.done = b"", False
-        if kind == "fifo":
+        if kind == "pipe":  # slow, small and non-blocking: the writer must wait and go on
+            read, self.end = os.pipe()
+            self.fds = [read]
+            fcntl.fcntl(self.end, fcntl.F_SETPIPE_SZ, 4096)
+            os.set_blocking(self.end, False)
+        elif kind == "fifo":
             os.mkfifo(path, 0o666)
             os.chmod(path, 0o666)
             self.fds = [os.open(path, os.O_RDONLY | os.O_NONBLOCK)]
@@ -81,7 +87,7 @@ class Collector:
                     self.fds.append(self.listener.accept()[0].detach())
                     busy = True
                     continue
-                chunk = os.read(fd, 65536)
+                chunk = os.read(fd, 1024)
                 self.data += chunk
                 busy = busy or bool(chunk)
                 if not chunk and fd != self.fds[0]:
@@ -117,6 +123,8 @@ def writers(build, scratch, uid):
     }
 
     def written(writer, text):
+        if target == "pipe":  # all of it, in order, through every partial write
+            return text == reference if writer == "export" else bool(json.loads(text)["calls"])
         if writer != "state":
             return ("voradrv_" if writer == "export" else '"voradrv-recording"') in text
         pins = json.loads(text)["gpio"]
@@ -125,6 +133,7 @@ def writers(build, scratch, uid):
     # The state that a writer changes: the simulated board with DO1 high.
     seed = os.path.join(case_dir(scratch, uid, "seed"), "state.json")
     run(0, [voractl, "--sim", "set", "DO1/Level=1"], {"VORA_SIM_STATE": seed})
+    reference = subprocess.run(commands["export"]("-")[0], stdout=subprocess.PIPE, text=True).stdout
     failures = []
     writers_, rows = table("writers.txt")
     for row in rows:
@@ -161,7 +170,7 @@ def writers(build, scratch, uid):
                 os.symlink(victim, path)
                 os.lchown(path, OTHER, OTHER)
                 watched = [victim]
-            elif target in ("fifo", "socket"):
+            elif target in ("fifo", "socket", "pipe"):
                 collector = Collector(path, target)
             elif target in ("device", "full-device", "block"):
                 kind = stat.S_IFBLK if target == "block" else stat.S_IFCHR
@@ -180,12 +189,16 @@ def writers(build, scratch, uid):
             if target == "read-only":
                 mount("--bind", d, d)
                 mount("-o", "remount,bind,ro", d)
-            argument = {"stdout": "/dev/stdout", "dash": "-", "slash": path + "/"}.get(target, path)
+            argument = {"stdout": "/dev/stdout", "dash": "-", "pipe": "-", "slash": path + "/"}.get(target, path)
             if target in ("stdout", "dash"):
                 stdout = open(path, "a")
+            elif target == "pipe":
+                stdout = collector.end
             before = [snapshot(p) for p in [path, *watched]]
             command, env = commands[writer](argument)
             status, error, _ = run(uid, command, env, stdout)
+            if target == "pipe":
+                os.close(collector.end)
             received = collector.finish() if collector else ""
             after = snapshot(path)
             kind, _, text = outcome.partition(":")
@@ -198,14 +211,18 @@ def writers(build, scratch, uid):
                 "target": lambda: after[0] == stat.S_IFLNK and written(writer, open(watched[0]).read()),
                 "appended": lambda: after[3].decode().startswith(old)
                 and written(writer, after[3].decode()[len(old):]),
-                "in-place": lambda: after[0] == before[0][0]
+                "in-place": lambda: target == "pipe" and written(writer, received) or after[0] == before[0][0]
                 and (target not in ("fifo", "socket") or written(writer, received)),
-                "refused": lambda: text in error and [snapshot(p) for p in [path, *watched]] == before
+                "refused": lambda: all(t in error for t in text.split(";")) and [snapshot(p) for p in [path, *watched]] == before
                 and (status == 1 or writer == "standin"),
             }
             dirs = {d, os.path.dirname(path), *(os.path.dirname(w) for w in watched)}
             left = [n for p in dirs for n in os.listdir(p) if n.startswith(".")]
-            ok = (after is not None or kind == "refused") and checks[kind]() and (kind == "refused" or status == 0 or writer == "standin") and not left
+            try:
+                held = (after is not None or kind == "refused" or target == "pipe") and checks[kind]()
+            except (ValueError, KeyError, TypeError):  # not what the writer should have written
+                held = False
+            ok = held and (kind == "refused" or status == 0 or writer == "standin") and not left
             if not ok:
                 failures.append(f"{writer} {target} as uid {uid}: expected {outcome}, got exit {status}, "
                                 f"{error.strip()!r}, {after and after[:3]}, left {left}")
@@ -249,8 +266,8 @@ def readers(build, scratch, uid):
                 continue
             d = case_dir(scratch, uid, f"{reader}-{name}")
             path = os.path.join(d, "input")
-            if name == "zero":
-                path = "/dev/zero"
+            if name in ("zero", "io-error"):
+                path = "/dev/zero" if name == "zero" else "/proc/self/mem"
             elif name == "fifo":
                 os.mkfifo(path, 0o666)
             elif name == "directory":
@@ -265,7 +282,7 @@ def readers(build, scratch, uid):
                 with open(path, "wb") as f:
                     for piece in content(name, reader):
                         f.write(piece.encode("latin-1"))
-            if name not in ("zero", "planted"):
+            if name not in ("zero", "io-error", "planted"):
                 os.chown(path, uid, uid)
             command, env = commands[reader](path)
             status, error, memory = run(uid, command, env, timeout=20)
