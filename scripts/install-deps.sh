@@ -13,6 +13,9 @@
 # which serves the textfile export; systemd, whose systemd-analyze checks
 # the service files (where systemd runs, installing these starts their
 # services).
+# It says what it installs before anything asks for a password; run by an
+# ordinary user, it installs through sudo, and without sudo it says what to
+# run as root and fails.
 set -euo pipefail
 
 packages=(cmake g++ make pkg-config libjansson-dev libmicrohttpd-dev zlib1g-dev libyaml-dev
@@ -30,10 +33,24 @@ for package in "${packages[@]}"; do
 done
 [ ${#missing[@]} -eq 0 ] && exit 0
 
-sudo=
-if [ "$(id -u)" -ne 0 ]; then
-    sudo=sudo
+# apt-get's progress is not shown; what goes wrong, it says on standard error.
+install=(apt-get install -y -q --no-install-recommends "${missing[@]}")
+by_hand="apt-get update && DEBIAN_FRONTEND=noninteractive ${install[*]}"
+if [ "$(id -u)" -eq 0 ]; then
+    echo "Installing ${#missing[@]} Debian packages: ${missing[*]}" >&2
+    apt-get update -q >/dev/null
+    DEBIAN_FRONTEND=noninteractive "${install[@]}" >/dev/null
+elif command -v sudo >/dev/null; then
+    echo "Installing ${#missing[@]} Debian packages through sudo: ${missing[*]}" >&2
+    # sudo keeps no environment of the caller's, so DEBIAN_FRONTEND is given
+    # on its command line.
+    if ! sudo -p "[sudo] password for %u, to run apt-get: " apt-get update -q >/dev/null ||
+       ! sudo DEBIAN_FRONTEND=noninteractive "${install[@]}" >/dev/null; then
+        printf 'Could not install them; as root, run:\n  %s\n' "$by_hand" >&2
+        exit 1
+    fi
+else
+    printf 'These Debian packages are missing: %s\nThere is no sudo here; as root, run:\n  %s\n' \
+        "${missing[*]}" "$by_hand" >&2
+    exit 1
 fi
-echo "Installing: ${missing[*]}"
-$sudo apt-get update
-DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y --no-install-recommends "${missing[@]}"

@@ -1,5 +1,8 @@
 #!/usr/bin/env bash
 # An installed tree (cmake --install into a scratch prefix):
+# - nothing installed outside the prefix: run as root, the whole check runs
+#   as an unprivileged user (setpriv), so the system refuses any such write,
+#   and every installed file must lie under the prefix;
 # - no simulated board library where the module probes for real ones;
 # - voractl finds the installed module and simulator beside itself, also
 #   after the tree is moved;
@@ -13,11 +16,23 @@ set -euo pipefail
 build=$1
 source=$2
 sanitize=${3:-}
-root=$(mktemp -d /tmp/vtest-install-XXXXXX)
-trap 'rm -rf "$root"' EXIT
 fail() { echo "FAIL: $*" >&2; exit 1; }
 
+# As root, again as nobody, when nobody can read the build tree (not where
+# it lies in a private home). cmake --install writes its list of installed
+# files into the build tree, so that one file is made the user's.
+nobody=(setpriv --reuid=65534 --regid=65534 --clear-groups)
+if [ "$(id -u)" = 0 ] && "${nobody[@]}" test -r "$build/cmake_install.cmake" -a -r "$source/examples/host.c"; then
+    install -o 65534 -g 65534 -m 0644 /dev/null "$build/install_manifest.txt"
+    exec "${nobody[@]}" env HOME=/nonexistent "$0" "$@"
+fi
+[ "$(id -u)" = 0 ] && echo "install: as root (nobody cannot read $build)"
+root=$(mktemp -d /tmp/vtest-install-XXXXXX)
+trap 'rm -rf "$root"' EXIT
+
 cmake --install "$build" --prefix "$root/first" >/dev/null
+outside=$(grep -v "^$root/first/" "$build/install_manifest.txt" || true)
+[ -z "$outside" ] || fail "installed outside the prefix: $outside"
 mv "$root/first" "$root/usr"  # it must not matter where the tree was installed
 prefix=$root/usr
 export VORA_SIM_STATE=$root/board.json VORA_SIM_TIME=0

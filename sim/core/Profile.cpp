@@ -8,6 +8,8 @@
 #include <initializer_list>
 #include <memory>
 
+#include "record/Calls.h"
+
 namespace vorasim {
 
 namespace {
@@ -47,7 +49,7 @@ public:
                 known = known || std::string(a) == key;
             }
             if (!known) {
-                fail(std::string("unknown key \"") + key + "\"");
+                fail("unknown key " + vorarec::Quoted(key));
             }
         }
     }
@@ -70,7 +72,7 @@ public:
             char* end = nullptr;
             v = std::strtoll(text, &end, 0);
             if (*text == '\0' || *end != '\0') {
-                fail("expected a number, got \"" + std::string(text) + "\"");
+                fail("expected a number, got " + vorarec::Quoted(text));
             }
         } else {
             fail("expected an integer or a number in a string");

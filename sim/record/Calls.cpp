@@ -44,12 +44,8 @@ std::string Shown(const json_t* value) {
             return text;
         case JSON_NULL:
             return "NULL";
-        case JSON_STRING: {
-            char* quoted = json_dumps(value, JSON_ENCODE_ANY);
-            std::string result = quoted != nullptr ? quoted : "\"?\"";
-            std::free(quoted);
-            return result;
-        }
+        case JSON_STRING:
+            return Quoted(json_string_value(value));
         case JSON_ARRAY: {
             std::string words = "[";
             size_t i;
@@ -73,6 +69,15 @@ std::string Members(const json_t* object) {
 }
 
 }  // namespace
+
+std::string Quoted(const std::string& text) {
+    json_t* string = json_stringn(text.data(), text.size());
+    char* quoted = json_dumps(string, JSON_ENCODE_ANY | JSON_ENSURE_ASCII);
+    json_decref(string);
+    std::string result = quoted != nullptr ? quoted : "\"?\"";
+    std::free(quoted);
+    return result;
+}
 
 Signature::Signature(const char* name, const char* parameters) : function(name) {
     // "(unsigned int id, char* buffer, unsigned int* length)"

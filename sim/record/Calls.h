@@ -191,6 +191,11 @@ void Apply(const Signature& s, [[maybe_unused]] const json_t* out, [[maybe_unuse
     }, args...);
 }
 
+// A text of the board or of a file, quoted as JSON writes it with every
+// control and non-ASCII character escaped ("VB\u001b[31m"), so that the
+// trace and the simulator's messages show it and a terminal obeys none of it.
+std::string Quoted(const std::string& text);
+
 // One trace line: "Name(in) = status -> out <seconds>".
 std::string TraceLine(const Signature& s, const json_t* in, const json_t* status, const json_t* out,
                       double seconds);

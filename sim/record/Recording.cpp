@@ -10,6 +10,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "Calls.h"
+
 namespace vorarec {
 
 namespace {
@@ -59,7 +61,7 @@ std::string CheckCall(const json_t* call) {
     json_object_foreach(const_cast<json_t*>(call), key, value) {
         if (std::strcmp(key, "function") != 0 && std::strcmp(key, "in") != 0 &&
             std::strcmp(key, "status") != 0 && std::strcmp(key, "out") != 0) {
-            return std::string(": unknown key \"") + key + "\"";
+            return ": unknown key " + Quoted(key);
         }
     }
     if (!json_is_string(json_object_get(call, "function"))) {

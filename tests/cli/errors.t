@@ -73,18 +73,8 @@ go to standard error as "module: ...", and --quiet drops them.
   N/A
   [1]
 
-Every command reports it, and exits 1:
+Every command reports it, and exits 1 (list in texts.t):
 
-  $ vora list
-  voractl: cannot read Hardware Monitor/Voltage/VCORE2: error (0xFFFFF0FF)
-  Board library: libVORA-4.00 (fourth generation), */sim/libVORA-4.00.so (glob)
-  Platform Information
-      0x1010402  Board name  VB-1                                      read-only
-  Hardware Monitor
-    Voltage
-      0x1020201  VCORE       1.000 V  (min = 0.000 V, max = 50.000 V)  read-only
-      0x1020202  VCORE2      N/A      (min = 0.000 V, max = 50.000 V)  read-only
-  [1]
   $ vora get Voltage
   voractl: cannot read Hardware Monitor/Voltage/VCORE2: error (0xFFFFF0FF)
   Hardware Monitor/Voltage/VCORE: 1.000 V

@@ -8,20 +8,8 @@ module, and read back after:
   $ voractl --sim set Brightness 4294967346
   voractl: cannot set Backlight/LVDS/Brightness to 4294967346: 4294967346 is outside its range 0..100
   [1]
-  $ voractl --sim set GPIO/DO1/Level 2
-  voractl: cannot set GPIO/DO1/Level to 2: "2" is not 0, 1, on/off, high/low, in/out, true/false or active/inactive
-  [1]
   $ voractl --sim set 'Current device IP' 1.2.3.4
   voractl: cannot set OOB-Network/OOBNetwork0/Current device IP to 1.2.3.4: it is read-only
-  [1]
-  $ voractl --sim set DI0/Level 1
-  voractl: cannot set GPIO/DI0/Level to 1: it is read-only
-  [1]
-  $ voractl --sim set 'Board name' X
-  voractl: cannot set Platform Information/Board name to X: it is read-only
-  [1]
-  $ voractl --sim set DO1/Dir in
-  voractl: cannot set GPIO/DO1/Dir to in: it is read-only
   [1]
   $ voractl --sim set 'Network control=19'
   voractl: cannot set OOB-Network/OOBNetwork0/Network control to 19: 19 is outside its range 0..18
@@ -33,17 +21,52 @@ module, and read back after:
   voractl: set takes NAME=VALUE... or ITEM VALUE
   [2]
 
-NAME=VALUE pairs, as gpioset takes them, are all checked before any is
-written; two-state items take words, brightness a share of its range or a
-step from where it is:
+A two-state item takes 1, 0 and the words of its own kind, in any case, and
+no word of another kind: a row per word, a column per item of each
+generation, the state it sets or - where it is refused. NAME=VALUE pairs
+are all checked before any is written:
 
-  $ voractl --sim set DO1/Level=low Brightness=5
-  $ voractl --sim set DO1/Level=off Brightness=500
-  voractl: cannot set Backlight/LVDS/Brightness to 500: 500 is outside its range 0..100
+  $ words=(in out high low active inactive on off true false 1 0 HIGH '' 2)
+  $ states() {  # GENERATION ITEM...: each word's state on each item
+  >   local generation=$1 word item pairs=(); shift
+  >   for word in "${words[@]}"; do for item; do pairs+=("$item=$word"); done; done
+  >   voractl --sim --sim-generation "$generation" set --json "${pairs[@]}" 2>/dev/null |
+  >     awk -v n=$# '/"written"/ { row = row (/": "/ ? " -" : " " $2 + 0); if (++k % n == 0) { print row; row = "" } }'
+  > }
+  $ paste -d '|' <(printf "%-10s\n" word "${words[@]/#/=}") \
+  >   <(echo " Dir Level Backlight"; states 4 GPIO4/Dir GPIO4/Level LVDS/Backlight) \
+  >   <(echo " Dir Level"; states 3 GPIO5/Dir GPIO5/Level) \
+  >   <(echo " Dir Level Backlight"; states eapi GPIO4/Dir GPIO4/Level 'Backlight 1/Backlight')
+  word      | Dir Level Backlight| Dir Level| Dir Level Backlight
+  =in       | 1 - -| 1 -| 1 - -
+  =out      | 0 - -| 0 -| 0 - -
+  =high     | - 1 -| - 1| - 1 -
+  =low      | - 0 -| - 0| - 0 -
+  =active   | - 1 -| - 1| - 1 -
+  =inactive | - 0 -| - 0| - 0 -
+  =on       | - - 1| - -| - - 1
+  =off      | - - 0| - -| - - 0
+  =true     | - - 1| - -| - - 1
+  =false    | - - 0| - -| - - 0
+  =1        | 1 1 1| 1 1| 1 1 1
+  =0        | 0 0 0| 0 0| 0 0 0
+  =HIGH     | - 1 -| - 1| - 1 -
+  =         | - - -| - -| - - -
+  =2        | - - -| - -| - - -
+  $ voractl --sim set GPIO4/Dir=out GPIO4/Level=out LVDS/Backlight=in Brightness=5
+  voractl: cannot set GPIO/GPIO4/Level to out: "out" is not a level (high/low, active/inactive or 1/0)
+  voractl: cannot set Backlight/LVDS/Backlight to in: "in" is not an on/off state (on/off, true/false or 1/0)
   [1]
-  $ voractl --sim get DO1/Level Brightness
-  GPIO/DO1/Level: low
-  Backlight/LVDS/Brightness: 5
+  $ voractl --sim get GPIO4/Dir Brightness
+  GPIO/GPIO4/Dir: in
+  Backlight/LVDS/Brightness: 80
+  $ voractl --sim set --force GPIO4/Dir=low
+  voractl: cannot set GPIO/GPIO4/Dir to low: "low" is not a direction (in/out or 1/0) nor an integer
+  [1]
+
+NAME=VALUE pairs, as gpioset takes them; brightness a share of its range or
+a step from where it is:
+
   $ voractl --sim set DO1/Level=high GPIO4/Dir=out 'Backlight/LVDS/Brightness=50%' Polarity=on
   $ voractl --sim get DO1/Level GPIO4/Dir Brightness Polarity
   GPIO/DO1/Level: high

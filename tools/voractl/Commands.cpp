@@ -3,6 +3,7 @@
 #include <map>
 
 #include "Format.h"
+#include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
 
@@ -16,7 +17,7 @@ std::string LibraryText(const Session& session) {
     if (!library) {
         return "none found";
     }
-    return library->name + " (" + GenerationText(library->generation) + "), " + library->path;
+    return library->name + " (" + GenerationText(library->generation) + "), " + Printable(library->path);
 }
 
 // The items of the selectors; every item without any.
@@ -54,11 +55,11 @@ int Info(Context& context) {
         PrintJson(context.out, info.get());
         return 0;
     }
-    std::fprintf(context.out, "Module         %s (version %s)\n", session.modulePath().c_str(),
+    std::fprintf(context.out, "Module         %s (version %s)\n", Printable(session.modulePath()).c_str(),
                  version.c_str());
     std::fprintf(context.out, "Board library  %s\n", LibraryText(session).c_str());
     for (const std::string& block : blocks) {
-        std::fprintf(context.out, "  %-22s %d item%s\n", block.c_str(), counts[block],
+        std::fprintf(context.out, "  %-22s %d item%s\n", Printable(block).c_str(), counts[block],
                      counts[block] == 1 ? "" : "s");
     }
     return 0;
@@ -109,7 +110,7 @@ int Get(Context& context) {
             // answer more often than this one's.
             if (type != item.type && (type == JSON_STRING || item.type == JSON_STRING) &&
                 !item.block.empty() && !options.force) {
-                throw ToolError(item.path() + " is published as " +
+                throw ToolError(Printable(item.path()) + " is published as " +
                                 (item.type == JSON_STRING ? "text" : "a number") +
                                 "; --type " + options.type + " reads it only with --force");
             }
@@ -127,7 +128,7 @@ int Get(Context& context) {
         if (readings.size() == 1) {
             std::fprintf(context.out, "%s\n", value.c_str());
         } else {
-            std::fprintf(context.out, "%s: %s\n", reading.item->path().c_str(), value.c_str());
+            std::fprintf(context.out, "%s: %s\n", Printable(reading.item->path()).c_str(), value.c_str());
         }
     }
     return ReportFailures(readings);

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 
+#include "Kinds.h"
 #include "voradrv.h"
 
 namespace voractl {
@@ -63,13 +64,6 @@ std::string UnitText(const std::string& unit) {
 }
 
 std::string DisplayValue(const json_t* value, const std::string& unit) {
-    struct TwoState {
-        const char* unit;
-        const char* one;
-        const char* zero;
-    };
-    static const TwoState kTwoStates[] = {
-        {"I/O", "in", "out"}, {"H/L", "high", "low"}, {"ON/OFF", "on", "off"}};
     // Sensor readings as `sensors` shows them: "+48.5 °C", "1.050 V".
     struct Reading {
         const char* unit;
@@ -79,10 +73,9 @@ std::string DisplayValue(const json_t* value, const std::string& unit) {
         {"Cel", "%+.1f °C"}, {"V", "%.3f V"}, {"A", "%.3f A"}, {"RPM", "%.0f RPM"}};
     if (json_is_number(value)) {
         const double v = json_number_value(value);
-        for (const TwoState& two : kTwoStates) {
-            if (unit == two.unit && (v == 0.0 || v == 1.0)) {
-                return v == 1.0 ? two.one : two.zero;
-            }
+        const TwoStateKind* kind = TwoStateKindOf(unit);
+        if (kind != nullptr && (v == 0.0 || v == 1.0)) {
+            return kind->shown(v == 1.0 ? 1 : 0);
         }
         for (const Reading& reading : kReadings) {
             if (unit == reading.unit) {

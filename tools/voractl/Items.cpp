@@ -5,6 +5,7 @@
 #include <cstdlib>
 
 #include "Format.h"
+#include "Printable.h"
 
 namespace voractl {
 
@@ -80,8 +81,9 @@ std::string Item::path() const {
 
 std::string Item::groupPath() const { return group.empty() ? block : block + "/" + group; }
 
-bool Item::twoState() const {
-    return key == "bv" || unit == "I/O" || unit == "H/L" || unit == "ON/OFF";
+const TwoStateKind* Item::twoStateKind() const {
+    const TwoStateKind* kind = TwoStateKindOf(unit);
+    return kind == nullptr && key == "bv" ? &kPlainTwoState : kind;
 }
 
 std::vector<Item> CollectItems(const json_t* document) {
@@ -155,21 +157,25 @@ Selection Select(const std::vector<Item>& items, const std::string& selector, bo
         item.access = "N/A";
         return {{item}, false};
     }
-    // Whole paths first, then trailing parts; an item's other names count.
+    // Whole paths first, then trailing parts; an item's other names count,
+    // and so does a name typed as voractl shows it, escaped.
     for (const bool whole : {true, false}) {
+        const auto fits = [&](const std::string& path) {
+            return whole ? path == wanted || Printable(path) == wanted
+                         : EndsWithPart(path, wanted) || EndsWithPart(Printable(path), wanted);
+        };
         std::vector<const Item*> found;
         std::vector<std::string> groupsFound;
         for (const Item& item : items) {
-            bool match = whole ? item.path() == wanted : EndsWithPart(item.path(), wanted);
+            bool match = fits(item.path());
             for (const std::string& other : item.sharing) {
-                const std::string path = item.groupPath() + "/" + other;
-                match = match || (whole ? path == wanted : EndsWithPart(path, wanted));
+                match = match || fits(item.groupPath() + "/" + other);
             }
             if (match) {
                 found.push_back(&item);
             }
             for (const std::string& path : {item.block, item.groupPath()}) {
-                const bool named = whole ? path == wanted : EndsWithPart(path, wanted);
+                const bool named = fits(path);
                 if (groups && named &&
                     std::find(groupsFound.begin(), groupsFound.end(), path) == groupsFound.end()) {
                     groupsFound.push_back(path);
@@ -191,17 +197,17 @@ Selection Select(const std::vector<Item>& items, const std::string& selector, bo
         if (found.size() + groupsFound.size() > 1) {
             std::string candidates;
             for (const Item* item : found) {
-                candidates += "\n  " + item->path() + " (" + IdText(item->id) + ")";
+                candidates += "\n  " + Printable(item->path()) + " (" + IdText(item->id) + ")";
             }
             for (const std::string& path : groupsFound) {
-                candidates += "\n  " + path + "/";
+                candidates += "\n  " + Printable(path) + "/";
             }
-            throw ToolError("\"" + selector + "\" names more than one " +
+            throw ToolError("\"" + Printable(selector) + "\" names more than one " +
                             (groupsFound.empty() ? "item" : "thing") + "; one of:" + candidates,
                             true);
         }
     }
-    throw ToolError("no item" + std::string(groups ? " or group" : "") + " \"" + selector +
+    throw ToolError("no item" + std::string(groups ? " or group" : "") + " \"" + Printable(selector) +
                     "\" (see voractl list)", true);
 }
 

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "Kinds.h"
+
 namespace voractl {
 
 struct Item {
@@ -31,8 +33,10 @@ struct Item {
     // "Block/Group", or "Block".
     std::string groupPath() const;
     bool writable() const { return access != "r"; }
-    // An on/off, high/low or in/out item.
-    bool twoState() const;
+    // The kind of an on/off, high/low or in/out item (or of a two-state
+    // value of no known kind); null for any other item.
+    const TwoStateKind* twoStateKind() const;
+    bool twoState() const { return twoStateKind() != nullptr; }
     // The published limits, when they make a range (min <= max).
     bool ranged() const { return minimum && maximum && *minimum <= *maximum; }
 };

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "Format.h"
+#include "Printable.h"
 
 namespace voractl {
 
@@ -16,7 +17,7 @@ ModuleOutput::ModuleOutput(bool quiet) : quiet_(quiet) {
 
 ModuleOutput::~ModuleOutput() {
     if (!partial_.empty() && !quiet_) {
-        std::fprintf(stderr, "module: %s\n", partial_.c_str());
+        std::fprintf(stderr, "module: %s\n", Printable(partial_).c_str());
     }
     close(buffer_);
 }
@@ -53,7 +54,7 @@ void ModuleOutput::end() {
     size_t start = 0;
     for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
         if (!quiet_) {
-            std::fprintf(stderr, "module: %s\n", text.substr(start, end - start).c_str());
+            std::fprintf(stderr, "module: %s\n", Printable(text.substr(start, end - start)).c_str());
         }
     }
     partial_ = text.substr(start);

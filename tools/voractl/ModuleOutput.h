@@ -2,7 +2,8 @@
 // output (file descriptor 1) with puts and printf, where they would mix with
 // voractl's own output. Around every module call voractl points descriptor
 // 1 at a buffer of its own and passes what was printed on to standard error,
-// line by line as "module: ...", in order; with `quiet` it is dropped.
+// line by line as "module: ...", in order, with what a terminal would obey
+// escaped (see Printable.h); with `quiet` it is dropped.
 #pragma once
 
 #include <cstdio>

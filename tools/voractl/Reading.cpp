@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "Format.h"
+#include "Printable.h"
 
 namespace voractl {
 
@@ -10,8 +11,8 @@ std::string ShownValue(const Reading& reading) {
     if (!reading.value) {
         return "N/A";
     }
-    return reading.bare ? ValueText(reading.value.get())
-                        : DisplayValue(reading.value.get(), reading.item->unit);
+    return Printable(reading.bare ? ValueText(reading.value.get())
+                                  : DisplayValue(reading.value.get(), reading.item->unit));
 }
 
 json_t* ReadingJson(const Reading& reading) {
@@ -22,7 +23,7 @@ json_t* ReadingJson(const Reading& reading) {
                                item.name.c_str(), "unit", item.unit == "info" ? "" : item.unit.c_str(), "access",
                                item.access.c_str());
     if (record == nullptr) {
-        throw ToolError("cannot build the JSON record of " + item.path());
+        throw ToolError("cannot build the JSON record of " + Printable(item.path()));
     }
     if (reading.value) {
         json_object_set(record, "value", reading.value.get());
@@ -66,7 +67,7 @@ int ReportFailures(const std::vector<Reading>& readings) {
     int exitStatus = 0;
     for (const Reading& reading : readings) {
         if (!reading.value) {
-            std::fprintf(stderr, "voractl: cannot read %s: %s\n", reading.item->path().c_str(),
+            std::fprintf(stderr, "voractl: cannot read %s: %s\n", Printable(reading.item->path()).c_str(),
                          StatusText(reading.status).c_str());
             exitStatus = 1;
         }

@@ -3,10 +3,15 @@
 #include <algorithm>
 
 #include "Format.h"
+#include "Printable.h"
 
 namespace voractl {
 
 namespace {
+
+// A value wider than this (a long board text) runs past its column rather
+// than pushing the limits of every other row off the screen.
+constexpr size_t kWidestValue = 40;
 
 std::string Padded(const std::string& shown, const std::string& plain, size_t width) {
     return shown + std::string(width - std::min(width, DisplayWidth(plain)), ' ');
@@ -88,11 +93,11 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
     size_t limitsWidth = 0;
     for (const TableRow& row : rows) {
         idWidth = std::max(idWidth, IdText(row.item->id).size());
-        nameWidth = std::max(nameWidth, DisplayWidth(row.item->name));
+        nameWidth = std::max(nameWidth, DisplayWidth(Printable(row.item->name)));
         if (columns.pins && row.item->block == "GPIO") {
-            nameWidth = std::max(nameWidth, DisplayWidth(row.item->group));
+            nameWidth = std::max(nameWidth, DisplayWidth(Printable(row.item->group)));
         }
-        valueWidth = std::max(valueWidth, DisplayWidth(row.value));
+        valueWidth = std::max(valueWidth, std::min(DisplayWidth(row.value), kWidestValue));
         limitsWidth = std::max(limitsWidth, DisplayWidth(Limits(*row.item)));
     }
     std::vector<std::string> lines;
@@ -101,7 +106,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
         const TableRow& row = rows[i];
         const Item& item = *row.item;
         if (previous == nullptr || previous->block != item.block) {
-            lines.push_back(style.heading(item.block.empty() ? "Other items" : item.block));
+            lines.push_back(style.heading(item.block.empty() ? "Other items" : Printable(item.block)));
             previous = nullptr;
             Pin pin;
             if (columns.pins && PinAt(rows, i, pin)) {
@@ -112,7 +117,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
         if (columns.pins && PinAt(rows, i, pin)) {
             const std::string number = std::to_string((item.id & 0xFF) - 1);
             std::string line = "    " + std::string(3 - std::min<size_t>(3, number.size()), ' ') +
-                               number + "  " + Padded(item.group, item.group, nameWidth) + "  " +
+                               number + "  " + Padded(Printable(item.group), Printable(item.group), nameWidth) + "  " +
                                Padded(pin.direction->value, pin.direction->value, 3) + "  " +
                                Padded(pin.level->value, pin.level->value, 5);
             const std::string marks = PinMarks(pin);
@@ -124,7 +129,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
             continue;
         }
         if (!item.group.empty() && (previous == nullptr || previous->group != item.group)) {
-            lines.push_back("  " + style.subheading(item.group));
+            lines.push_back("  " + style.subheading(Printable(item.group)));
         }
         previous = &item;
 
@@ -133,7 +138,8 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
             const std::string id = IdText(item.id);
             line += Padded(style.dim(id), id, idWidth) + "  ";
         }
-        line += Padded(item.name, item.name, nameWidth) + "  ";
+        const std::string name = Printable(item.name);
+        line += Padded(name, name, nameWidth) + "  ";
         const std::string value = row.failed    ? style.failed(row.value)
                                   : row.changed ? style.changed(row.value)
                                                 : row.value;
@@ -150,7 +156,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
             if (!item.sharing.empty()) {
                 std::string names;
                 for (const std::string& other : item.sharing) {
-                    names += (names.empty() ? "" : ", ") + other;
+                    names += (names.empty() ? "" : ", ") + Printable(other);
                 }
                 access += std::string(access.empty() ? "" : ", ") + "id shared with " + names;
             }

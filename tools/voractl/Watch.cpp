@@ -16,6 +16,7 @@
 #include <set>
 
 #include "Format.h"
+#include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
 
@@ -118,7 +119,7 @@ std::vector<std::string> Labels(const std::vector<Item>& items) {
     }
     std::vector<std::string> labels;
     for (const Item& item : items) {
-        labels.push_back(uses[shortName(item)] == 1 ? shortName(item) : item.path());
+        labels.push_back(Printable(uses[shortName(item)] == 1 ? shortName(item) : item.path()));
     }
     return labels;
 }
@@ -145,7 +146,7 @@ public:
         for (const Reading& reading : readings) {
             // Each unreadable item is named once, the first time.
             if (!reading.value && unreadable_.insert(reading.item->path()).second) {
-                std::fprintf(stderr, "voractl: cannot read %s: %s\n", reading.item->path().c_str(),
+                std::fprintf(stderr, "voractl: cannot read %s: %s\n", Printable(reading.item->path()).c_str(),
                              StatusText(reading.status).c_str());
             }
         }

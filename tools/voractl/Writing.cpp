@@ -4,10 +4,11 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-#include <map>
+#include <optional>
 
 #include "Commands.h"
 #include "Format.h"
+#include "Printable.h"
 #include "Reading.h"
 
 namespace voractl {
@@ -21,11 +22,6 @@ struct Planned {
     JsonPtr value{nullptr, &json_decref};     // the true value to write
     std::string refusal;                      // why it may not be written
 };
-
-// The words two-state items take, and the state each stands for.
-const std::map<std::string, long long> kWords = {
-    {"on", 1},  {"off", 0},  {"high", 1}, {"low", 0},   {"in", 1},
-    {"out", 0}, {"true", 1}, {"false", 0}, {"active", 1}, {"inactive", 0}};
 
 bool ParseInteger(const std::string& text, long long& value) {
     char* end = nullptr;
@@ -60,16 +56,17 @@ JsonPtr Parse(Session& session, const Item& item, const std::string& text, bool 
         }
         return Own(json_real(value));
     }
-    if (item.twoState() && !force) {
-        const auto word = kWords.find(text);
-        if (word != kWords.end()) {
-            return Own(json_integer(word->second));
+    // A two-state item takes the words of its own kind, never another's;
+    // with --force, any integer too.
+    if (const TwoStateKind* kind = item.twoStateKind()) {
+        long long number = 0;
+        if (const std::optional<int> state = kind->state(text)) {
+            number = *state;
+        } else if (!force || !ParseInteger(text, number)) {
+            return refuse("\"" + text + "\" is not " + kind->name + " (" + kind->words() + ")" +
+                          (force ? " nor an integer" : ""));
         }
-        if (text != "0" && text != "1") {
-            return refuse("\"" + text + "\" is not 0, 1, on/off, high/low, in/out, true/false "
-                          "or active/inactive");
-        }
-        return Own(json_integer(text == "1" ? 1 : 0));
+        return Own(json_integer(number));
     }
     // A ranged number may be a share of its range (50%) or relative to its
     // present value (+10%, -10), as brightnessctl takes brightness.
@@ -205,8 +202,9 @@ int Set(Context& context) {
             planned.refusal = Forbidden(planned.item, planned.value.get());
         }
         if (!planned.refusal.empty()) {
-            std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", planned.item.path().c_str(),
-                         text.c_str(), planned.refusal.c_str());
+            std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n",
+                         Printable(planned.item.path()).c_str(), Printable(text).c_str(),
+                         Printable(planned.refusal).c_str());
             refused = true;
         }
         plan.push_back(std::move(planned));
@@ -231,18 +229,19 @@ int Set(Context& context) {
         if (status != VORADRV_STATUS_SUCCESS) {
             outcome = "failed";
             reason = StatusText(status);
-            std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", item.path().c_str(),
-                         planned.text.c_str(), reason.c_str());
+            std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", Printable(item.path()).c_str(),
+                         Printable(planned.text).c_str(), reason.c_str());
         } else if (!back.value) {
             outcome = "unverified";
             reason = "it cannot be read back: " + StatusText(back.status);
-            std::fprintf(stderr, "voractl: set %s to %s, but %s\n", item.path().c_str(),
-                         planned.text.c_str(), reason.c_str());
+            std::fprintf(stderr, "voractl: set %s to %s, but %s\n", Printable(item.path()).c_str(),
+                         Printable(planned.text).c_str(), reason.c_str());
         } else if (!Same(item, planned.value.get(), back.value.get())) {
             outcome = "differs";
             reason = "wrote " + DisplayValue(planned.value.get(), item.unit) + ", the board reads " +
                      DisplayValue(back.value.get(), item.unit);
-            std::fprintf(stderr, "voractl: %s: %s\n", item.path().c_str(), reason.c_str());
+            std::fprintf(stderr, "voractl: %s: %s\n", Printable(item.path()).c_str(),
+                         Printable(reason).c_str());
         }
         // Only a write that reads back as written succeeds; one of an id
         // outside the document may have nothing to read.
