@@ -145,8 +145,7 @@ the same form (documentation addresses, a documentation MAC):
   $ voractl --sim=redacted.json --quiet get 'Board name' 'Board serial number' 0x1010411 0x1040201 \
   >   'Network host name' 'Network MAC address' 'Modified device IP' 'Modified sub mask' 'Server IP/Port'
   Platform Information/Board name: QZ-88
-  Platform Information/Board serial number: XXXX-0001-XXXX
-  
+  Platform Information/Board serial number: XXXX-0001-XXXX\n
   Platform Information/Xxxxxxxxx: Xxxxxxx-Xxxxx2
   GPIO/Xxxx xxxx xxxxxxxxx/Dir: in
   OOB-Network/OOBNetwork0/Network host name: xxxxxxx
