@@ -165,7 +165,9 @@ Call::Call(const char* function) : sim_(Sim::get()) {
     if (sim_.logging()) {
         line_ = function;
     }
-    enter(function);
+    if (sim_.keepsState()) {
+        enter(function);
+    }
     fault_ = sim_.takeFault(function, std::nullopt);
 }
 
@@ -173,7 +175,9 @@ Call::Call(const char* function, uint32_t key) : sim_(Sim::get()) {
     if (sim_.logging()) {
         line_ = std::string(function) + " " + Hex(key);
     }
-    enter(function);
+    if (sim_.keepsState()) {
+        enter(function);
+    }
     fault_ = sim_.takeFault(function, key);
 }
 
@@ -211,9 +215,6 @@ bool Sim::saveState() {
 }
 
 void Call::enter(const char* function) {
-    if (!sim_.keepsState()) {
-        return;
-    }
     const bool writes = vorarec::Writes(function);
     usable_ = sim_.enterCall(writes, lock_);
     if (writes) {

@@ -136,6 +136,8 @@ public:
 
 private:
     static uint32_t LostStatus();
+    // With a kept board: the lock for a change, and the board brought up to
+    // date with the file.
     void enter(const char* function);
 
     Sim& sim_;
