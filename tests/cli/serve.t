@@ -46,11 +46,11 @@ else:
   > done | sort | uniq -c | sed 's/^ *//'
   5 Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'
 
-Every scrape reads the board again:
+Every scrape reads the board again, and sees what another process wrote:
 
   $ voractl --sim set DO1/Level=0
-  $ curl -s $url/metrics | grep 'gpio_level{pin="DO1"}'
-  voradrv_gpio_level{pin="DO1"} 1
+  $ curl -s $url/metrics | tee metrics | grep 'gpio_level{pin="DO1"}'
+  voradrv_gpio_level{pin="DO1"} 0
 
 OpenMetrics when the scraper asks for it, as Prometheus does; gzip when it
 accepts it:

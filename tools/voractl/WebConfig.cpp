@@ -3,15 +3,13 @@
 #include <crypt.h>
 #include <yaml.h>
 
-#include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <memory>
 #include <set>
-#include <sstream>
 #include <vector>
 
 #include "Format.h"
+#include "files/Read.h"
 
 namespace voractl {
 
@@ -87,13 +85,13 @@ private:
     bool loaded_ = false;
 };
 
-std::string ReadFile(const std::string& path, const std::string& what) {
-    std::ifstream in(path, std::ios::binary);
-    std::ostringstream text;
-    if (!in || !(text << in.rdbuf())) {
-        throw ToolError("cannot read " + what + " " + path + ": " + std::strerror(errno));
+std::string ReadFile(const std::string& path, const std::string& what,
+                     const vorafiles::Limit& limit = vorafiles::kKeyLimit) {
+    try {
+        return vorafiles::Read(path, limit);
+    } catch (const vorafiles::FileError& e) {
+        throw ToolError("cannot read " + what + " " + path + ": " + e.what());
     }
-    return text.str();
 }
 
 // A relative file name in the configuration is relative to its directory,
@@ -165,7 +163,7 @@ bool WebConfig::allows(const std::string& user, const std::string& password) con
 }
 
 WebConfig LoadWebConfig(const std::string& path) {
-    return ParseWebConfig(path, ReadFile(path, "the web configuration"));
+    return ParseWebConfig(path, ReadFile(path, "the web configuration", vorafiles::kConfigLimit));
 }
 
 WebConfig ParseWebConfig(const std::string& path, const std::string& text) {
