@@ -75,11 +75,9 @@ accepts it:
   $ fetch -H 'Accept: application/openmetrics-text;q=0, text/plain' $url/metrics
   200 text/plain; version=0.0.4; charset=utf-8
 
-The board page links to the metrics; anything else is refused, and nothing
-over HTTP writes to the board:
+Beside the board page (serve.browser opens it), the metrics and the page's
+JSON, anything is refused, and nothing over HTTP writes to the board:
 
-  $ curl -s $url/ | grep -o '<a href="/metrics">Metrics</a>'
-  <a href="/metrics">Metrics</a>
   $ fetch $url/nothing
   404 text/plain; charset=utf-8
   $ fetch -X POST -d 'DO1/Level=1' $url/metrics
