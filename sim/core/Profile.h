@@ -27,8 +27,9 @@ Profile ParseProfile(const std::string& text);
 // Parses one entry of a profile's "faults" list. Throws ProfileError.
 Fault ParseFault(const std::string& text);
 
-// The board as profile text that ParseProfile reads back to the same board
-// (values as raw numbers, network values as word arrays; faults left out).
-std::string FormatProfile(const Board& board);
+// The board and its faults as profile text that ParseProfile reads back to
+// the same board and faults (values as raw numbers, network values as word
+// arrays).
+std::string FormatProfile(const Board& board, const std::vector<Fault>& faults = {});
 
 }  // namespace vorasim

@@ -1,4 +1,5 @@
-// Writing a board back as profile text, for the kept board state.
+// Writing a board and its faults back as profile text, for the kept board
+// state.
 #include <jansson.h>
 
 #include <cstdio>
@@ -23,9 +24,35 @@ void SetOptional(json_t* object, const char* key, const std::optional<uint32_t>&
     }
 }
 
+json_t* FormatFault(const Fault& fault) {
+    json_t* f = json_pack("{s:s}", "function", fault.function.c_str());
+    if (fault.arg) {
+        json_object_set_new(f, "arg", Hex(*fault.arg));
+    }
+    if (fault.status) {
+        json_object_set_new(f, "status", Hex(*fault.status));
+    }
+    if (fault.value) {
+        json_object_set_new(f, "value", Hex(*fault.value));
+    }
+    if (fault.length) {
+        json_object_set_new(f, "length", Hex(*fault.length));
+    }
+    if (fault.unterminated) {
+        json_object_set_new(f, "unterminated", json_true());
+    }
+    if (fault.times) {
+        json_object_set_new(f, "times", json_integer(*fault.times));
+    }
+    if (fault.after > 0) {
+        json_object_set_new(f, "after", json_integer(fault.after));
+    }
+    return f;
+}
+
 }  // namespace
 
-std::string FormatProfile(const Board& board) {
+std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) {
     static const char* const kKinds[kSensorKinds] = {"temperature", "voltage", "fan", "current",
                                                      "case_open"};
     const std::unique_ptr<json_t, decltype(&json_decref)> root(json_object(), &json_decref);
@@ -107,6 +134,14 @@ std::string FormatProfile(const Board& board) {
         json_object_set_new(words, key, list);
     }
     json_object_set_new(root.get(), "network", json_pack("{s:o}", "words", words));
+
+    if (!faults.empty()) {
+        json_t* list = json_array();
+        for (const Fault& fault : faults) {
+            json_array_append_new(list, FormatFault(fault));
+        }
+        json_object_set_new(root.get(), "faults", list);
+    }
 
     char* text = json_dumps(root.get(), JSON_INDENT(2));
     std::string result = text == nullptr ? "{}" : text;

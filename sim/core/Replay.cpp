@@ -3,12 +3,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <memory>
-#include <sstream>
 
 #include "Sim.h"
 #include "Units.h"
+#include "files/Path.h"
 
 namespace vorasim {
 
@@ -42,39 +41,47 @@ std::string ReadOf(const std::string& write) {
 
 Replay::Replay(const std::string& generation)
     : success_(json_integer(generation == "3" ? kV3Ok : kOk)),
-      unsupported_(json_integer(generation == "3" ? kV3Failed : kUnsupported)) {}
+      unsupported_(json_integer(generation == "3" ? kV3Failed : kUnsupported)),
+      failed_(json_integer(generation == "3" ? kV3Failed : kError)) {}
 
 Replay* Replay::active() { return Active().get(); }
 
-bool Replay::Load(const std::string& path, std::string& error) {
-    std::ifstream in(path);
-    std::ostringstream text;
-    text << in.rdbuf();
-    auto replay = std::unique_ptr<Replay>(new Replay("4"));
-    if (!replay->recording_.load(text.str(), error)) {
+bool Replay::Load(const std::string& text, std::string& error) {
+    const std::string generation = ThisLibrary().generation;
+    auto replay = std::unique_ptr<Replay>(new Replay(generation));
+    if (!replay->recording_.load(text, error)) {
         return false;
     }
-    const std::string generation = replay->recording_.generation();
-    if (generation != ThisLibrary().generation) {
-        error = "library.generation: a recording of the \"" + generation +
-                "\" library, not of this one (\"" + ThisLibrary().generation + "\")";
+    if (replay->recording_.generation() != generation) {
+        error = "library.generation: a recording of the \"" + replay->recording_.generation() +
+                "\" library, not of this one (\"" + generation + "\")";
         return false;
     }
-    replay->success_.reset(json_integer(generation == "3" ? kV3Ok : kOk));
-    replay->unsupported_.reset(json_integer(generation == "3" ? kV3Failed : kUnsupported));
-    const char* state = std::getenv("VORA_SIM_STATE");
-    replay->state_ = state != nullptr ? state : "";
-    replay->loadWrites();
+    try {
+        replay->loadWrites();
+    } catch (const std::exception& e) {
+        error = "cannot use the board state " + replay->state_.path() + ": " + e.what();
+        return false;
+    }
     Active() = std::move(replay);
     return true;
 }
 
 // The state file: {"replay_writes": {key: what the read answers}}.
 void Replay::loadWrites() {
-    if (state_.empty()) {
+    if (!state_.kept()) {
         return;
     }
-    JsonPtr kept{json_load_file(state_.c_str(), 0, nullptr)};
+    const std::optional<std::string> text = state_.read();
+    if (!text) {
+        return;
+    }
+    json_error_t error;
+    JsonPtr kept{json_loadb(text->data(), text->size(), 0, &error)};
+    if (kept == nullptr) {
+        throw vorafiles::FileError(std::string("line ") + std::to_string(error.line) + ": " + error.text);
+    }
+    written_.clear();
     const char* key;
     json_t* out;
     json_object_foreach(json_object_get(kept.get(), "replay_writes"), key, out) {
@@ -82,37 +89,74 @@ void Replay::loadWrites() {
     }
 }
 
-void Replay::saveWrites() const {
-    if (state_.empty()) {
-        return;
+bool Replay::saveWrites() {
+    if (!state_.kept()) {
+        return true;
     }
     JsonPtr writes{json_object()};
     for (const auto& [key, out] : written_) {
         json_object_set(writes.get(), key.c_str(), out.get());
     }
     JsonPtr kept{json_pack("{s:O}", "replay_writes", writes.get())};
-    const std::string temporary = state_ + ".tmp";
-    if (json_dump_file(kept.get(), temporary.c_str(), JSON_COMPACT) != 0 ||
-        std::rename(temporary.c_str(), state_.c_str()) != 0) {
-        std::fprintf(stderr, "vorasim: %s: cannot write the board state %s\n", ThisLibrary().name,
-                     state_.c_str());
+    char* text = json_dumps(kept.get(), JSON_COMPACT);
+    try {
+        state_.write(text != nullptr ? text : "{}");
+        std::free(text);
+        return true;
+    } catch (const vorafiles::FileError& e) {
+        std::free(text);
+        problem("cannot save the board state", e.what());
+        return false;
+    }
+}
+
+void Replay::problem(const std::string& what, const std::string& reason) const {
+    std::fprintf(stderr, "vorasim: %s: %s %s: %s\n", ThisLibrary().name, what.c_str(),
+                 state_.path().c_str(), reason.c_str());
+}
+
+bool Replay::refresh(bool writes, std::optional<vorafiles::Lock>& lock) {
+    if (!state_.kept()) {
+        return true;
+    }
+    try {
+        if (writes) {
+            state_.lock(lock);
+        }
+        if (state_.changed()) {
+            loadWrites();
+        }
+        return true;
+    } catch (const std::exception& e) {
+        problem(writes ? "cannot change the board kept in" : "cannot read the board kept in", e.what());
+        return !writes;
     }
 }
 
 // The key of a write's mirroring read is the write's inputs without the
 // value written (its last parameter); that value is what the read answers.
-void Replay::remember(const vorarec::Signature& signature, const json_t* in) {
+bool Replay::remember(const vorarec::Signature& signature, const json_t* in) {
     const std::string read = ReadOf(signature.function);
     if (read.empty() || signature.params.empty()) {
-        return;
+        return true;
     }
     const std::string& value = signature.params.back().name;
     JsonPtr key{json_deep_copy(in)};
     json_object_del(key.get(), value.c_str());
     JsonPtr out{json_object()};
     json_object_set(out.get(), value.c_str(), json_object_get(in, value.c_str()));
-    written_[read + "\x1f" + Dump(key.get())] = std::move(out);
-    saveWrites();
+    const std::string at = read + "\x1f" + Dump(key.get());
+    JsonPtr before = std::move(written_[at]);
+    written_[at] = std::move(out);
+    if (!saveWrites()) {
+        if (before) {
+            written_[at] = std::move(before);
+        } else {
+            written_.erase(at);
+        }
+        return false;
+    }
+    return true;
 }
 
 const json_t* Replay::writtenFor(const vorarec::Signature& signature, const json_t* in) const {

@@ -4,17 +4,22 @@
 // accepted, as the simulator accepts writes, and the read that mirrors it
 // (VoraGPIOSetLevel's VoraGPIOGetLevel with the same pin) answers the value
 // written from then on; with VORA_SIM_STATE naming a file, those writes are
-// kept there for the next process, as the simulator keeps its board. Any
+// kept there for the next process and shared with those running, under the
+// file's lock, as the simulator keeps its board (State.h); a write that
+// cannot be kept fails. Any
 // other call the recording lacks answers the library's "not supported" and
 // is named once on standard error.
 #pragma once
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <type_traits>
 
+#include "State.h"
+#include "files/Lock.h"
 #include "record/Calls.h"
 #include "record/Recording.h"
 
@@ -26,13 +31,15 @@ public:
     // recording; null when it is a profile. `error` is set when the
     // recording could not be read (the library then cannot initialise).
     static Replay* active();
-    static bool Load(const std::string& path, std::string& error);
+    static bool Load(const std::string& text, std::string& error);
 
     template <typename Result, typename... Args>
     Result answer(const vorarec::Signature& signature, Args... args) {
         JsonPtr in{vorarec::Inputs(signature, args...)};
         const size_t size = vorarec::detail::BufferSize(signature, args...);
         const json_t* status = nullptr;
+        std::optional<vorafiles::Lock> lock;
+        const bool usable = refresh(signature.writes, lock);
         if (const json_t* written = writtenFor(signature, in.get())) {
             vorarec::Apply(signature, written, size, args...);
             status = success_.get();
@@ -40,8 +47,7 @@ public:
             vorarec::Apply(signature, recorded->out, size, args...);
             status = recorded->status;
         } else if (signature.writes) {
-            remember(signature, in.get());
-            status = success_.get();
+            status = usable && remember(signature, in.get()) ? success_.get() : failed_.get();
         } else {
             missing(signature, in.get());
             status = unsupported_.get();
@@ -59,17 +65,24 @@ private:
 
     explicit Replay(const std::string& generation);
     const json_t* writtenFor(const vorarec::Signature& signature, const json_t* in) const;
-    void remember(const vorarec::Signature& signature, const json_t* in);
+    // With kept writes: a write takes the lock, then what other processes
+    // wrote is read. False, having said why, when a write cannot be kept.
+    bool refresh(bool writes, std::optional<vorafiles::Lock>& lock);
+    // Keeps a write; false, having said why, when it cannot be saved.
+    bool remember(const vorarec::Signature& signature, const json_t* in);
     void missing(const vorarec::Signature& signature, const json_t* in);
+    // Throws vorafiles::FileError.
     void loadWrites();
-    void saveWrites() const;
+    bool saveWrites();
+    void problem(const std::string& what, const std::string& reason) const;
 
     vorarec::Recording recording_;
     JsonPtr success_;
     JsonPtr unsupported_;
+    JsonPtr failed_;
     std::map<std::string, JsonPtr> written_;  // a read's key -> what it answers now
     std::set<std::string> named_;
-    std::string state_;  // where the writes are kept, or ""
+    StateFile state_;  // where the writes are kept
 };
 
 }  // namespace vorasim

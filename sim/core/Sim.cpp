@@ -5,11 +5,13 @@
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
-#include <fstream>
-#include <sstream>
 
 #include "Profile.h"
 #include "Replay.h"
+#include "Units.h"
+#include "files/Read.h"
+#include "record/Calls.h"
+#include "record/Recording.h"
 
 namespace vorasim {
 
@@ -33,17 +35,6 @@ std::string Hex(uint32_t value) {
 
 }  // namespace
 
-namespace {
-
-bool IsRecordingFile(const char* path) {
-    std::ifstream in(path);
-    char start[256] = {};
-    in.read(start, sizeof start - 1);
-    return vorarec::IsRecording(start);
-}
-
-}  // namespace
-
 Sim& Sim::get() {
     static Sim sim;
     return sim;
@@ -52,24 +43,36 @@ Sim& Sim::get() {
 Sim::Sim() : start_(MonotonicSeconds()) {
     const char* log = std::getenv("VORA_SIM_LOG");
     logging_ = log != nullptr && std::strcmp(log, "1") == 0;
-    const char* state = std::getenv("VORA_SIM_STATE");
     const char* path = std::getenv("VORA_SIM_BOARD");
-    bool loaded;
-    if (path != nullptr && *path != '\0' && IsRecordingFile(path)) {
-        // A recording answers for the library (Replay.h); the board stays
-        // empty and is not kept.
-        loaded = Replay::Load(path, lastError_);
-        lastError_ = loaded ? "" : std::string(path) + ": " + lastError_;
-        state = nullptr;
-    } else if (state != nullptr && *state != '\0' && std::ifstream(state).good()) {
-        loaded = loadFile(state);
-    } else if (path != nullptr && *path != '\0') {
-        loaded = loadFile(path);
+    const std::string board = path != nullptr ? path : "";
+    std::string text;
+    std::optional<std::string> kept;
+    try {
+        text = board.empty() ? "" : vorarec::ReadBoardFile(board);
+    } catch (const vorafiles::FileError& e) {
+        lastError_ = "cannot read the board profile " + board + ": " + e.what();
+    }
+    try {
+        kept = lastError_.empty() && state_.kept() && !vorarec::IsRecording(text) ? state_.read()
+                                                                                  : std::nullopt;
+    } catch (const vorafiles::FileError& e) {
+        lastError_ = "cannot use the board state " + state_.path() + ": " + e.what();
+    }
+    bool loaded = false;
+    if (!lastError_.empty()) {
+        // The board or its state cannot be read: said below.
+    } else if (vorarec::IsRecording(text)) {
+        // A recording answers for the library (Replay.h), and keeps the
+        // writes it did not see in the state file itself.
+        state_.forget();
+        loaded = Replay::Load(text, lastError_);
+        lastError_ = loaded ? "" : board + ": " + lastError_;
+    } else if (kept) {
+        loaded = loadText(*kept, state_.path());
+    } else if (!board.empty()) {
+        loaded = loadText(text, board);
     } else {
         loaded = loadText(ThisLibrary().defaultProfile, "built-in profile");
-    }
-    if (state != nullptr) {
-        statePath_ = state;
     }
     if (!loaded) {
         usable_ = false;
@@ -82,6 +85,7 @@ bool Sim::loadText(const std::string& text, const std::string& origin) {
         Profile profile = ParseProfile(text);
         board_ = std::move(profile.board);
         faults_ = std::move(profile.faults);
+        stateFaults_ = faults_;
         usable_ = true;
         lastError_.clear();
         return true;
@@ -94,14 +98,12 @@ bool Sim::loadText(const std::string& text, const std::string& origin) {
 }
 
 bool Sim::loadFile(const std::string& path) {
-    std::ifstream in(path);
-    if (!in) {
-        lastError_ = path + ": cannot read the board profile";
+    try {
+        return loadText(vorafiles::Read(path, vorafiles::kProfileLimit), path);
+    } catch (const vorafiles::FileError& e) {
+        lastError_ = "cannot read the board profile " + path + ": " + e.what();
         return false;
     }
-    std::ostringstream text;
-    text << in.rdbuf();
-    return loadText(text.str(), path);
 }
 
 bool Sim::addFault(const std::string& text) {
@@ -163,6 +165,9 @@ Call::Call(const char* function) : sim_(Sim::get()) {
     if (sim_.logging()) {
         line_ = function;
     }
+    if (sim_.keepsState()) {
+        enter(function);
+    }
     fault_ = sim_.takeFault(function, std::nullopt);
 }
 
@@ -170,31 +175,70 @@ Call::Call(const char* function, uint32_t key) : sim_(Sim::get()) {
     if (sim_.logging()) {
         line_ = std::string(function) + " " + Hex(key);
     }
+    if (sim_.keepsState()) {
+        enter(function);
+    }
     fault_ = sim_.takeFault(function, key);
 }
 
-void Sim::saveState() {
-    if (statePath_.empty()) {
+void Sim::stateProblem(const std::string& what, const std::string& reason) const {
+    std::fprintf(stderr, "vorasim: %s: %s %s: %s\n", ThisLibrary().name, what.c_str(),
+                 state_.path().c_str(), reason.c_str());
+}
+
+bool Sim::enterCall(bool writes, std::optional<vorafiles::Lock>& lock) {
+    try {
+        if (writes) {
+            state_.lock(lock);
+        }
+        if (state_.changed()) {
+            if (const std::optional<std::string> text = state_.read()) {
+                board_ = ParseProfile(*text).board;  // this process's faults stay as they are
+            }
+        }
+        return true;
+    } catch (const std::exception& e) {
+        stateProblem(writes ? "cannot change the board kept in" : "cannot read the board kept in",
+                     e.what());
+        return !writes;
+    }
+}
+
+bool Sim::saveState() {
+    try {
+        state_.write(FormatProfile(board_, stateFaults_));
+        return true;
+    } catch (const vorafiles::FileError& e) {
+        stateProblem("cannot save the board state", e.what());
+        return false;
+    }
+}
+
+void Call::enter(const char* function) {
+    const bool writes = vorarec::Writes(function);
+    usable_ = sim_.enterCall(writes, lock_);
+    if (writes) {
+        before_ = sim_.board();
+    }
+}
+
+void Call::changed() {
+    if (!sim_.keepsState()) {
         return;
     }
-    // Written aside and renamed, so a reader never sees half a board.
-    const std::string temporary = statePath_ + ".tmp";
-    {
-        std::ofstream out(temporary, std::ios::trunc);
-        out << FormatProfile(board_);
-        if (!out) {
-            std::fprintf(stderr, "vorasim: %s: cannot write the board state %s\n",
-                         ThisLibrary().name, statePath_.c_str());
-            return;
-        }
+    if (!before_) {
+        sim_.saveState();
+    } else if (!usable_ || !sim_.saveState()) {
+        sim_.board() = *before_;
+        lost_ = true;
     }
-    std::rename(temporary.c_str(), statePath_.c_str());
+}
+
+uint32_t Call::LostStatus() {
+    return std::strcmp(ThisLibrary().generation, "3") == 0 ? kV3Failed : kError;
 }
 
 Call::~Call() {
-    if (changed_) {
-        sim_.saveState();
-    }
     if (sim_.logging()) {
         sim_.log(std::move(line_));
     }

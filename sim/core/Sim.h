@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "Board.h"
+#include "State.h"
+#include "files/Lock.h"
 
 namespace vorasim {
 
@@ -49,10 +51,18 @@ public:
 
     const std::string& lastError() const { return lastError_; }
 
-    // With VORA_SIM_STATE naming a file, the board is kept there: read from
-    // it at start-up when it exists (instead of the profile), written back
-    // after every change, so successive processes see one board.
-    void saveState();
+    // With VORA_SIM_STATE naming a file (State.h), the board is kept there
+    // with the profile's faults: read from it at start-up when it exists
+    // (instead of the profile), read again by any call once another process
+    // changed it, and saved by every change, under the file's lock.
+    bool keepsState() const { return state_.kept(); }
+    // Starts a call: a call that changes the board (`writes`) takes the lock
+    // into `lock` first; then the board is brought up to date with the file.
+    // Returns false when a change cannot be made (the lock or the file
+    // cannot be had), having said why.
+    bool enterCall(bool writes, std::optional<vorafiles::Lock>& lock);
+    // Saves the board; false, having said why, when it cannot.
+    bool saveState();
 
     // A sensor's value now, with its wave when it has one. The clock is
     // seconds since start-up, or VORA_SIM_TIME when that is set.
@@ -61,15 +71,18 @@ public:
 private:
     Sim();
 
+    void stateProblem(const std::string& what, const std::string& reason) const;
+
     Board board_;
     std::vector<Fault> faults_;
+    std::vector<Fault> stateFaults_;  // the faults the board came with, kept with it
     bool usable_ = true;
     bool logging_ = false;
     std::vector<std::string> log_;
     std::string logText_;
     std::string lastError_;
     double start_ = 0.0;
-    std::string statePath_;
+    StateFile state_;
 };
 
 // One call of a library function: recorded in the call log when it ends, and
@@ -89,17 +102,20 @@ public:
 
     Board& board() { return sim_.board(); }
     Sim& sim() { return sim_; }
-    // Marks the board as changed by this call (kept in the state file).
-    void changed() { changed_ = true; }
+    // Marks the board as changed by this call and saves it in the state
+    // file; a board that cannot be saved is put back as it was, and the
+    // call fails.
+    void changed();
     const std::optional<Fault>& fault() const { return fault_; }
 
     // True when a fault makes the call return status() at once, untouched.
     bool failsNow() const { return fault_ && fault_->statusOnly(); }
     uint32_t status() const { return *fault_->status; }
 
-    // The call's result: the fault's status when it has one, else `normal`.
+    // The call's result: the fault's status when it has one, else `normal`;
+    // the library's failure when the change could not be kept.
     uint32_t result(uint32_t normal) const {
-        return fault_ && fault_->status ? *fault_->status : normal;
+        return lost_ ? LostStatus() : fault_ && fault_->status ? *fault_->status : normal;
     }
 
     // Writes `normal` to an output, or the fault's value; null is skipped.
@@ -119,10 +135,20 @@ public:
                   uint32_t more, bool countTerminator = false) const;
 
 private:
+    static uint32_t LostStatus();
+    // With a kept board: the lock for a change, and the board brought up to
+    // date with the file.
+    void enter(const char* function);
+
     Sim& sim_;
     std::string line_;
     std::optional<Fault> fault_;
-    bool changed_ = false;
+    // With a kept board, a change holds the state's lock for the whole call
+    // and keeps the board as it was, to put back when the save fails.
+    std::optional<vorafiles::Lock> lock_;
+    std::optional<Board> before_;
+    bool usable_ = true;  // false: this change cannot be kept
+    bool lost_ = false;   // the change was made but could not be kept
 };
 
 }  // namespace vorasim

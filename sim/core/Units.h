@@ -14,6 +14,7 @@ constexpr uint32_t kOk = 0x00000000;
 constexpr uint32_t kUnsupported = 0xFFFFFCFF;       // no such item on this board
 constexpr uint32_t kMoreData = 0xFFFFF9FF;          // buffer too small, text cut
 constexpr uint32_t kInvalidParameter = 0xFFFFFEFF;  // value refused
+constexpr uint32_t kError = 0xFFFFF0FF;             // any other failure
 // Results of the third-generation library.
 constexpr uint32_t kV3Ok = 1;
 constexpr uint32_t kV3Failed = 0;

@@ -97,8 +97,13 @@ Signature::Signature(const char* name, const char* parameters) : function(name) 
         }
         start = end + 1;
     }
-    writes = function.find("Set") != std::string::npos || function.find("Write") != std::string::npos ||
-             function.find("Screen") != std::string::npos;
+    writes = Writes(function);
+}
+
+bool Writes(std::string_view function) {
+    return function.find("Set") != std::string_view::npos ||
+           function.find("Write") != std::string_view::npos ||
+           function.find("Screen") != std::string_view::npos;
 }
 
 size_t WordCount(uint32_t id) { return id >= 0x12000 && id <= 0x1200F ? 64 : 1; }

@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 #include <utility>
@@ -30,6 +31,10 @@ struct Signature {
     std::vector<Param> params;
     bool writes = false;  // changes the board (a Set, Write or Screen call)
 };
+
+// True for a library function that changes the board: a Set, Write or
+// Screen call.
+bool Writes(std::string_view function);
 
 // The number of words a `words` parameter carries: the 64 of a network
 // value's buffer (ids 0x12000..0x1200F), else one.

@@ -1,7 +1,10 @@
 #include "Recording.h"
 
+#include "files/Read.h"
+
 #include <time.h>
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
@@ -97,11 +100,18 @@ std::string CheckCall(const json_t* call) {
 }
 
 // Stable placeholders: the same text gives the same placeholder throughout.
+// A placeholder keeps the class of text the module treats apart: "Unknown"
+// and an empty text stay, every other keeps its length, its line feeds and
+// punctuation, and is valid UTF-8 exactly when the original was.
 class Placeholders {
 public:
     // `text` with its letters as x and X and its digits those of a number
-    // counting the texts seen, so that it keeps its length and form.
-    std::string text(const std::string& original) {
+    // counting the texts seen; a byte of a multi-byte character becomes x,
+    // or 0xFF, never part of a character, in a text that is not UTF-8.
+    std::string text(const std::string& original, bool utf8 = true) {
+        if (original.empty() || original == "Unknown") {
+            return original;
+        }
         auto [at, added] = texts_.emplace(original, "");
         if (!added) {
             return at->second;
@@ -120,7 +130,7 @@ public:
             shaped += std::isdigit(u) != 0 ? number[d++]
                       : std::isupper(u) != 0 ? 'X'
                       : std::isalpha(u) != 0 ? 'x'
-                      : u >= 0x80            ? 'x'
+                      : u >= 0x80            ? (utf8 ? 'x' : '\xFF')
                                              : c;
         }
         return at->second = shaped;
@@ -165,24 +175,101 @@ std::vector<json_int_t> Words(const json_t* array, size_t from, size_t count) {
     return words;
 }
 
-void PutWords(json_t* array, size_t from, const std::vector<json_int_t>& words) {
-    for (size_t i = 0; i < words.size() && from + i < json_array_size(array); ++i) {
-        json_array_set_new(array, from + i, json_integer(words[i]));
+// The texts a redacted recording keeps, for they identify no board or site:
+// the board's manufacturer, name, revisions (board, BIOS, hardware),
+// platform type, firmware and BIOS names, and the names the maker gave the
+// sensors and panels; on the third generation its platform name and BIOS
+// version. Every other text goes: the serial number, customer strings and
+// their labels, pin names (what a site wired to a pin), and whatever text a
+// library answers that is not listed here.
+bool KeptText(const std::string& function, const json_t* in) {
+    if (function == "VoraCoreGetPlatformName" || function == "VoraCoreGetBIOSVersion") {
+        return true;
+    }
+    const json_t* id = json_object_get(in, "id");
+    if (!json_is_integer(id) || (function != "VoraBoardGetStringA" && function != "EApiBoardGetStringA")) {
+        return false;
+    }
+    const json_int_t n = json_integer_value(id);
+    if (n >= 0 && n <= 8) {
+        return n != 3;  // 3: the serial number
+    }
+    return function == "VoraBoardGetStringA" &&
+           ((n >= 0x20000 && n < 0x25000) || (n & 0xFFFFFF00) == 0x60000000);
+}
+
+// A text answer ("buffer", or "hex" when it is not UTF-8) replaced by its
+// placeholder, whatever it holds.
+void RedactText(json_t* out, Placeholders& placeholders) {
+    if (const json_t* text = json_object_get(out, "buffer")) {
+        const std::string original(json_string_value(text), json_string_length(text));
+        const std::string shaped = placeholders.text(original);
+        json_object_set_new(out, "buffer", json_stringn(shaped.data(), shaped.size()));
+    }
+    if (const char* hex = json_string_value(json_object_get(out, "hex"))) {
+        std::string bytes;
+        for (size_t i = 0; hex[i] != '\0' && hex[i + 1] != '\0'; i += 2) {
+            bytes += static_cast<char>(std::strtoul(std::string(hex + i, 2).c_str(), nullptr, 16));
+        }
+        std::string shaped;
+        char pair[3];
+        for (unsigned char c : placeholders.text(bytes, false)) {
+            std::snprintf(pair, sizeof pair, "%02x", c);
+            shaped += pair;
+        }
+        json_object_set_new(out, "hex", json_string(shaped.c_str()));
     }
 }
 
-// A text carried one character a word (a host or domain name).
-void RedactCharacters(json_t* words, Placeholders& placeholders) {
-    std::string text;
-    for (json_int_t c : Words(words, 0, json_array_size(words))) {
-        if (c == 0) {
+// A management network value (board value 0x12000 + item) as words, every
+// word replaced: a number keeps its first word, a name its placeholder, an
+// address one of the documentation's, a mask its four octets; every word
+// after those, whatever a terminator before it says, is zero.
+void RedactNetwork(json_int_t item, json_t* words, Placeholders& placeholders) {
+    const size_t count = json_array_size(words);
+    std::vector<json_int_t> shaped(count, 0);
+    const auto put = [&](const std::vector<json_int_t>& value) {
+        std::copy_n(value.begin(), std::min(value.size(), count), shaped.begin());
+    };
+    switch (item) {
+        case 0x0: case 0x1: case 0xC: case 0xD:  // control, status, error code, server type
+            put(Words(words, 0, 1));
+            break;
+        case 0x2: case 0xE: {  // host name, server domain name: a character a word
+            std::string text;
+            for (json_int_t c : Words(words, 0, count)) {
+                if ((c & 0xFF) == 0) {
+                    break;
+                }
+                text += static_cast<char>(c & 0xFF);
+            }
+            const std::string placeholder = placeholders.text(text);
+            put(std::vector<json_int_t>(placeholder.begin(), placeholder.end()));
             break;
         }
-        text += static_cast<char>(c & 0xFF);
+        case 0x3:
+            put(placeholders.mac(Words(words, 0, 6)));
+            break;
+        case 0x5: case 0x9: {  // masks
+            const std::vector<json_int_t> mask = Words(words, 0, 4);
+            if (std::all_of(mask.begin(), mask.end(), [](json_int_t o) { return o >= 0 && o <= 255; })) {
+                put(mask);
+            }
+            break;
+        }
+        case 0xF: {  // server address and port
+            std::vector<json_int_t> server = placeholders.address(Words(words, 0, 4));
+            const std::vector<json_int_t> port = Words(words, 4, 1);
+            server.insert(server.end(), port.begin(), port.end());
+            put(server);
+            break;
+        }
+        default:
+            put(placeholders.address(Words(words, 0, 4)));
     }
-    const std::string shaped = placeholders.text(text);
-    for (size_t i = 0; i < shaped.size(); ++i) {
-        json_array_set_new(words, i, json_integer(static_cast<unsigned char>(shaped[i])));
+    json_array_clear(words);
+    for (json_int_t word : shaped) {
+        json_array_append_new(words, json_integer(word));
     }
 }
 
@@ -191,8 +278,39 @@ void RedactCharacters(json_t* words, Placeholders& placeholders) {
 Recording::~Recording() { json_decref(calls_); }
 
 bool IsRecording(const std::string& text) {
-    return text.find(std::string("\"") + kFormat + "\"") != std::string::npos;
+    return text.substr(0, 255).find(std::string("\"") + kFormat + "\"") != std::string::npos;
 }
+
+std::string ReadBoardFile(const std::string& path) {
+    std::string text = vorafiles::Read(path, vorafiles::kRecordingLimit);
+    if (!IsRecording(text)) {
+        vorafiles::Within(text.size(), vorafiles::kProfileLimit);
+    }
+    return text;
+}
+
+namespace {
+
+// The objects in a JSON text, strings left out: each call is three (itself,
+// what went in and what came out), so this bounds the calls before jansson
+// spends memory on them.
+size_t Objects(const std::string& text) {
+    size_t objects = 0;
+    bool quoted = false;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (quoted) {
+            i += c == '\\' ? 1 : 0;
+            quoted = c != '"';
+        } else {
+            quoted = c == '"';
+            objects += c == '{' ? 1 : 0;
+        }
+    }
+    return objects;
+}
+
+}  // namespace
 
 std::string Recording::Key(const std::string& function, const json_t* in) {
     char* dumped = json_dumps(in, JSON_COMPACT | JSON_SORT_KEYS);
@@ -202,6 +320,12 @@ std::string Recording::Key(const std::string& function, const json_t* in) {
 }
 
 bool Recording::load(const std::string& text, std::string& error) {
+    const std::string tooMany = "calls: more than the " + std::to_string(kMostCalls) +
+                                " calls a recording may hold";
+    if (Objects(text) > 3 * kMostCalls + 3) {
+        error = tooMany;
+        return false;
+    }
     json_error_t parse;
     json_t* document = json_loads(text.c_str(), JSON_REJECT_DUPLICATES, &parse);
     if (document == nullptr) {
@@ -221,6 +345,8 @@ bool Recording::load(const std::string& text, std::string& error) {
         error = "library.generation: expected \"4\", \"3\" or \"eapi\"";
     } else if (!json_is_array(calls)) {
         error = "calls: expected an array";
+    } else if (json_array_size(calls) > kMostCalls) {
+        error = tooMany;
     }
     size_t i;
     json_t* call;
@@ -285,38 +411,35 @@ std::optional<Recording::Answer> Recording::find(const std::string& function, co
     return Answer{json_object_get(call, "status"), json_object_get(call, "out")};
 }
 
-// What identifies a board or a site: its serial number and customer strings
-// (asset tags among them) with their labels, and the management network's
-// host and domain names, MAC address and IP addresses (not its masks).
+// Every text the allow-list (KeptText) does not name and every word of
+// every management network value, in what came out of a call and in what
+// went into one (a write of a host name, say).
 void Recording::redact() {
     Placeholders placeholders;
     size_t i;
     json_t* call;
     json_array_foreach(calls_, i, call) {
         const std::string function = json_string_value(json_object_get(call, "function"));
-        const json_t* id = json_object_get(json_object_get(call, "in"), "id");
-        const uint32_t n = static_cast<uint32_t>(json_integer_value(id));
+        json_t* in = json_object_get(call, "in");
         json_t* out = json_object_get(call, "out");
-        if (function.find("GetStringA") != std::string::npos && id != nullptr &&
-            (n == 3 || (n >= 16 && n <= 18) || (n >= 0x90000010 && n <= 0x90000012))) {
-            const json_t* text = json_object_get(out, "buffer");
-            if (text != nullptr) {
-                json_object_set_new(out, "buffer",
-                                    json_string(placeholders.text(json_string_value(text)).c_str()));
+        if (!KeptText(function, in)) {
+            RedactText(out, placeholders);
+        }
+        const json_int_t id = json_integer_value(json_object_get(in, "id"));
+        if (json_is_integer(json_object_get(in, "id")) && id >= 0x12000 && id <= 0x1200F) {
+            for (json_t* part : {in, out}) {
+                if (json_t* words = json_object_get(part, "words"); json_is_array(words)) {
+                    RedactNetwork(id - 0x12000, words, placeholders);
+                }
             }
-            json_object_del(out, "hex");  // a text that is not UTF-8 is not kept
         }
-        json_t* words = json_object_get(out, "words");
-        if (function != "VoraBoardGetValue" || words == nullptr) {
-            continue;
-        }
-        if (n == 0x12002 || n == 0x1200E) {
-            RedactCharacters(words, placeholders);
-        } else if (n == 0x12003) {
-            PutWords(words, 0, placeholders.mac(Words(words, 0, 6)));
-        } else if ((n >= 0x12004 && n <= 0x1200B && n != 0x12005 && n != 0x12009) || n == 0x1200F) {
-            PutWords(words, 0, placeholders.address(Words(words, 0, 4)));
-        }
+    }
+    // What went in may have changed, and with it what finds a call.
+    index_.clear();
+    json_array_foreach(calls_, i, call) {
+        index_.emplace(Key(json_string_value(json_object_get(call, "function")),
+                           json_object_get(call, "in")),
+                       i);
     }
     redacted_ = true;
 }

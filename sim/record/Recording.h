@@ -27,7 +27,8 @@ public:
     ~Recording();
 
     // Reads a recording; on a problem returns false with `error` naming its
-    // place ("calls[3].status: expected a number").
+    // place ("calls[3].status: expected a number"). One of more than
+    // kMostCalls calls is refused before it is parsed.
     bool load(const std::string& text, std::string& error);
 
     // The library recorded, from now on.
@@ -46,8 +47,9 @@ public:
 
     const std::string& generation() const { return generation_; }
 
-    // Replaces what identifies a board or a site with placeholders of the
-    // same length and form (see Recording.cpp).
+    // Replaces every text but those that identify no board or site, and
+    // every word of the management network's values, with placeholders of
+    // the same length and form (see Recording.cpp).
     void redact();
 
     // The recording as text, calls in the order first made.
@@ -65,7 +67,16 @@ private:
     bool redacted_ = false;
 };
 
-// True when `text` looks like a recording rather than a board profile.
+// The most calls a recording may hold; files/Read.h says the most bytes.
+// The largest board's recording holds under 600.
+constexpr size_t kMostCalls = 100000;
+
+// True when `text` looks like a recording rather than a board profile: it
+// names the recording format near its start.
 bool IsRecording(const std::string& text);
+
+// The text of a file that holds a board: a recording, or a board profile,
+// each held to the limit of its kind. Throws vorafiles::FileError.
+std::string ReadBoardFile(const std::string& path);
 
 }  // namespace vorarec

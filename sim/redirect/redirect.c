@@ -13,7 +13,7 @@
  *
  * from dlsym, to simulate a library that lacks a function. With
  *
- *     VORA_TRACE=1 or VORA_RECORD=FILE
+ *     VORA_TRACE=1, VORA_RECORD=FILE or VORA_RECORD_FD=N
  *
  * a board library opened at one of the six probed paths comes through its
  * stand-in instead (standin/<file> beside this library, see sim/standin/),
@@ -138,8 +138,10 @@ static int probed(const char* path) {
 static void through_standin(const char** file, int index, const char* target) {
     const char* trace = getenv("VORA_TRACE");
     const char* record = getenv("VORA_RECORD");
+    const char* handed = getenv("VORA_RECORD_FD");
     Dl_info self;
-    if (((trace == NULL || strcmp(trace, "1") != 0) && (record == NULL || *record == '\0')) ||
+    if (((trace == NULL || strcmp(trace, "1") != 0) && (record == NULL || *record == '\0') &&
+         (handed == NULL || *handed == '\0')) ||
         access(target, F_OK) != 0 || dladdr((void*)probed, &self) == 0) {
         return;
     }

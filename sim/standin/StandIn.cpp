@@ -7,8 +7,10 @@
 //   line each, like ltrace: the function, what went in, the status, what
 //   came out and the time it took;
 // - with VORA_RECORD=FILE, keeps the answer to every distinct call and
-//   writes the recording to FILE when the library is shut down, and again
-//   at exit.
+//   writes the recording to FILE (by files/Write.h's rules) when the library
+//   is shut down, and at exit when calls came after that; with
+//   VORA_RECORD_FD=N instead, makes descriptor N (voractl's file in memory)
+//   hold the recording at those times, so it never reaches a disk.
 // It is built once per library: STANDIN_TABLE, STANDIN_NAME (the library's
 // name) and STANDIN_GENERATION say which.
 #include <dlfcn.h>
@@ -17,11 +19,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <string>
 
 #define VORADRV_TABLES_ONLY
 #include STANDIN_TABLE_HEADER
+#include "files/Write.h"
 #include "record/Calls.h"
 #include "record/Recording.h"
 
@@ -49,6 +51,12 @@ struct StandIn {
         trace = t != nullptr && std::strcmp(t, "1") == 0;
         const char* r = std::getenv("VORA_RECORD");
         recordTo = r != nullptr ? r : "";
+        const char* handed = std::getenv("VORA_RECORD_FD");
+        char* end = nullptr;
+        const long fd = handed != nullptr ? std::strtol(handed, &end, 10) : -1;
+        if (handed != nullptr && *handed != '\0' && *end == '\0' && fd >= 0 && fd < 65536) {
+            handTo = static_cast<int>(fd);
+        }
         recording.setLibrary(STANDIN_NAME, STANDIN_GENERATION, this->path);
     }
     ~StandIn() { save(); }
@@ -56,9 +64,22 @@ struct StandIn {
     // The real library's function `name`, or null when it lacks it.
     void* symbol(const char* name) const { return real != nullptr ? dlsym(real, name) : nullptr; }
 
+    bool records() const { return handTo >= 0 || !recordTo.empty(); }
+
     void save() {
-        if (!recordTo.empty()) {
-            std::ofstream(recordTo, std::ios::trunc) << recording.text();
+        if (!unsaved) {
+            return;
+        }
+        unsaved = false;
+        try {
+            if (handTo >= 0) {
+                vorafiles::Rewrite(handTo, recording.text());
+            } else if (!recordTo.empty()) {
+                vorafiles::Write(recordTo, recording.text());
+            }
+        } catch (const vorafiles::FileError& e) {
+            std::fprintf(stderr, "voradrv stand-in: cannot write the recording to %s: %s\n",
+                         handTo >= 0 ? "voractl" : recordTo.c_str(), e.what());
         }
     }
 
@@ -66,6 +87,8 @@ struct StandIn {
     std::string path;
     bool trace = false;
     std::string recordTo;
+    int handTo = -1;
+    bool unsaved = false;  // calls came since the recording was last written
     vorarec::Recording recording;
 };
 
@@ -107,13 +130,14 @@ struct Intercept {
         if (state.trace) {
             std::fprintf(stderr, "%s\n", vorarec::TraceLine(signature, in, status, out, took).c_str());
         }
-        if (state.recordTo.empty()) {
+        if (!state.records()) {
             json_decref(in);
             json_decref(status);
             json_decref(out);
             return;
         }
         state.recording.add(signature.function, in, status, out);
+        state.unsaved = true;
         // A shut-down is where a host stops using the library: the
         // recording is whole there (and is written again at exit).
         if (signature.function.find("UnInit") != std::string::npos ||

@@ -83,26 +83,76 @@ lacks answers "not supported", named once:
   GPIO/GPIO5/Level: N/A
   [1]
 
---redact leaves nothing that names the board's site: serial number,
-customer strings and their labels, the management network's names and
-addresses, each replaced by a placeholder of the same length and form:
+--redact keeps only what identifies no board or site (the README's
+allow-list) and replaces every other text, and every word of the management
+network's values, whatever a terminator says. Replayed, a redacted recording
+publishes the same items with the same statuses: on each generation's
+default and largest board, on a board with an identifying text in every
+field (and words hidden after a host name's end, a second MAC, an IPv6
+address), and on Embedded API boards whose serial number is a text the
+module treats apart. No original text, nor four characters of one, is left:
 
-  $ voractl --sim --quiet record --redact --output redacted.json
-  $ grep -c -E 'VB4410-2291|LINE3-CELL7|Plant 2|Maintenance|Asset tag|Site|Owner|vb4410-bmc|mgmt.plant2|"words":\[(0,11,171,18,52,95|192,168,10)' redacted.json
-  0
-  [1]
-  $ voractl --sim=redacted.json --quiet get 'Board serial number' 0x1010411 0x1010412 'Network host name' 'Network MAC address' 'Modified device IP' 'Modified sub mask' 'Server IP/Port'
-  Platform Information/Board serial number: XX0000-0000-00001
-  Platform Information/Xxxxx xxx: XXXX0-XXXX2
-  Platform Information/Xxxx: Xxxxx 4, Xxxx X
-  OOB-Network/OOBNetwork0/Network host name: xx0008-xxx
+  $ cat > site.json <<'JSON'
+  > {"board": {"manufacturer": "Qwertz Automation", "name": "QZ-88", "serial_number": "QZSN-7731-ZULU\n",
+  >   "customer_strings": [{"label": "Plantcode", "value": "Krefeld-Halle7"}, {"label": "Custodian", "value": "Ingrid Vogt"}]},
+  >  "sensors": {"voltage": [{"index": 0, "name": "Vcore", "value": 1.1}]},
+  >  "gpio": [{"pin": 0, "name": "Kiln door interlock", "input": true, "output": false}],
+  >  "backlight": [{"panel": 0, "name": "LVDS", "brightness": 50, "enable": true}],
+  >  "network": {"control": 1, "status": 3, "mac": "02:1A:2B:3C:4D:5E", "server_domain_name": "ops.krefeld.example",
+  >   "modified": {"ip": "10.77.31.9", "mask": "255.255.0.0", "dns": "10.77.31.2", "gateway": "10.77.31.1"},
+  >   "server": "10.77.31.1:623", "words": {"0x12002": [107, 114, 101, 102, 98, 109, 99, 0, 104, 105, 100, 101],
+  >   "0x12003": [2, 26, 43, 60, 77, 94, 2, 26, 43, 60, 77, 95], "0x12008": [10, 77, 31, 9, 8193, 3512, 4660]}}}
+  > JSON
+  $ secrets="QZSN-7731-ZULU Plantcode Krefeld-Halle7 Custodian Ingrid Kiln krefbmc hidde ops.krefeld
+  >   2,26,43,60,77,9 10,77,31, 8193,3512 SNEAKY-SERIAL"
+  $ items() { voractl "$@" --quiet list --json 2> /dev/null |
+  >   python3 -c 'import json, sys; [print(r["id"], r["access"], r.get("error")) for r in json.load(sys.stdin)]'; }
+  $ left() { python3 -c 'import sys; t = open(sys.argv[1]).read()
+  > print(*sorted({s[i:i + 4] for s in sys.argv[2:] for i in range(len(s) - 3) if s[i:i + 4] in t}) or ["clean"])' "$@"; }
+  $ for serial in Unknown '' SNEAKY-SERIAL-0123456789-0123456789 'SNEAKY-SERIAL\n'; do
+  >   python3 -c 'import json, sys; b = json.load(open("site.json")); b["board"]["serial_number"] = sys.argv[1]
+  > json.dump(b, open("eapi-%s.json" % sys.argv[2], "w"))' "${serial/\\n/$'\n'}" $((++n))
+  > done
+  $ profiles=$VTEST_SOURCE_DIR/sim/profiles
+  $ for board in 4 4=$profiles/vora4-largest.json 4=site.json 3 3=$profiles/vora3-largest.json 3=site.json \
+  >     eapi eapi=$profiles/eapi-largest.json eapi=site.json eapi=eapi-1.json eapi=eapi-2.json \
+  >     eapi=eapi-3.json eapi=eapi-4.json; do
+  >   generation=${board%%=*} sim=--sim${board#${board%%=*}}
+  >   voractl $sim --sim-generation $generation --quiet record --redact --output redacted.json 2> /dev/null
+  >   cmp -s <(items $sim --sim-generation $generation) <(items --sim=redacted.json) || echo "$board: differs"
+  >   echo "${board##*/}: $(left redacted.json $secrets)"
+  > done
+  4: clean
+  vora4-largest.json: clean
+  4=site.json: clean
+  3: clean
+  vora3-largest.json: clean
+  3=site.json: clean
+  eapi: clean
+  eapi-largest.json: clean
+  eapi=site.json: clean
+  eapi=eapi-1.json: clean
+  eapi=eapi-2.json: clean
+  eapi=eapi-3.json: clean
+  eapi=eapi-4.json: clean
+  $ voractl --sim=site.json --quiet record --output original.json; left original.json $secrets | wc -w
+  60
+
+What stays is what a fault report needs; the rest reads as placeholders of
+the same form (documentation addresses, a documentation MAC):
+
+  $ voractl --sim=site.json --quiet record --redact --output redacted.json
+  $ voractl --sim=redacted.json --quiet get 'Board name' 'Board serial number' 0x1010411 0x1040201 \
+  >   'Network host name' 'Network MAC address' 'Modified device IP' 'Modified sub mask' 'Server IP/Port'
+  Platform Information/Board name: QZ-88
+  Platform Information/Board serial number: XXXX-0001-XXXX\n
+  Platform Information/Xxxxxxxxx: Xxxxxxx-Xxxxx2
+  GPIO/Xxxx xxxx xxxxxxxxx/Dir: in
+  OOB-Network/OOBNetwork0/Network host name: xxxxxxx
   OOB-Network/OOBNetwork0/Network MAC address: 00:00:5E:00:53:01
   OOB-Network/OOBNetwork0/Modified device IP: 192.0.2.1
-  OOB-Network/OOBNetwork0/Modified sub mask: 255.255.255.0
+  OOB-Network/OOBNetwork0/Modified sub mask: 255.255.0.0
   OOB-Network/OOBNetwork0/Server IP/Port: 192.0.2.3:623
-  $ voractl --sim --quiet caps | wc -c; voractl --sim=redacted.json --quiet caps | wc -c
-  15052
-  15029
 
 A recording that cannot be replayed is refused, naming its place:
 

@@ -31,11 +31,12 @@ voractl shows them, and the exporter's own; promtool accepts it:
   $ promtool check metrics < metrics
 
 The board page's JSON: the capability document as the module built it, and
-the records "voractl list --json" prints; every answer, refusals of bad
-requests included, forbids content from anywhere else:
+the records "voractl list --json" prints, with each value's "text" and
+"limits" as voractl shows them; every answer, refusals of bad requests
+included, forbids content from anywhere else:
 
-  $ diff <(curl -s $url/api/v1/items | python3 -m json.tool --sort-keys) \
-  >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys)
+  $ diff <(curl -s $url/api/v1/items | python3 -c 'import json, sys; print(json.dumps([{k: v for k, v in r.items() if k not in ("text", "limits")} for r in json.load(sys.stdin)], indent=1, sort_keys=True))') \
+  >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys --indent 1)
   $ diff <(curl -s $url/api/v1/document | python3 -m json.tool --sort-keys) \
   >      <(voractl --sim --quiet caps | python3 -m json.tool --sort-keys)
   $ curl -s "$url/api/v1/samples?since=0" | python3 -c 'import json, sys; s = json.load(sys.stdin); print(s["interval"], len(s["samples"]) >= 1)'
@@ -47,11 +48,11 @@ requests included, forbids content from anywhere else:
   > done | sort | uniq -c | sed 's/^ *//'
   9 Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'
 
-Every scrape reads the board again:
+Every scrape reads the board again, and sees what another process wrote:
 
   $ voractl --sim set DO1/Level=0
-  $ curl -s $url/metrics | grep 'gpio_level{pin="DO1"}'
-  voradrv_gpio_level{pin="DO1"} 1
+  $ curl -s $url/metrics | tee metrics | grep 'gpio_level{pin="DO1"}'
+  voradrv_gpio_level{pin="DO1"} 0
 
 OpenMetrics when the scraper asks for it, as Prometheus does; gzip when it
 accepts it:
@@ -76,11 +77,9 @@ accepts it:
   $ fetch -H 'Accept: application/openmetrics-text;q=0, text/plain' $url/metrics
   200 text/plain; version=0.0.4; charset=utf-8
 
-The board page links to the metrics; anything else is refused, and nothing
-over HTTP writes to the board:
+Beside the board page (serve.browser opens it), the metrics and the page's
+JSON, anything is refused, and nothing over HTTP writes to the board:
 
-  $ curl -s $url/ | grep -o '<a href="/metrics">Metrics</a>'
-  <a href="/metrics">Metrics</a>
   $ fetch $url/nothing
   404 text/plain; charset=utf-8
   $ fetch -X POST -d 'DO1/Level=1' $url/metrics
@@ -144,17 +143,22 @@ reads (initialise makes the first):
   $ stop
   exit 0
 
-A module that does not come up leaves the exporter serving voradrv_up 0,
-and trying again, a little later each time:
+A module that does not come up leaves the exporter serving voradrv_up 0
+with the status and time of the failure, and trying again, a little later
+each time; once up, it publishes its items, and the failure stays told:
 
   $ cat > late.json <<'JSON'
   > {"board": {"name": "VB-1"}, "faults": [{"function": "VoraLibInitialize", "status": "0xFFFFF0FF", "times": 1}]}
   > JSON
   $ serve --sim=late.json --quiet
-  $ curl -s $url/metrics | grep -E '^voradrv_up'
+  $ curl -s $url/metrics | grep -E '^voradrv_(up|last_initialize|published|build)'
+  voradrv_build_info{version="1.0.0"} 1
+  voradrv_last_initialize_error_timestamp_seconds{error="error (0xFFFFF0FF)"} 1*.* (glob)
   voradrv_up 0
   $ for i in $(seq 50); do curl -s $url/metrics | grep -q '^voradrv_up 1' && break; sleep 0.1; done; echo "tries $((i < 50))"
   tries 1
+  $ curl -s $url/metrics | grep -cE '^voradrv_(published_items|last_initialize_error)'
+  2
   $ stop
   exit 0
   $ sed 's/(.*)/(STATUS)/' serve.err

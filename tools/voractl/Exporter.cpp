@@ -8,6 +8,7 @@
 #include "Prometheus.h"
 #include "Reading.h"
 #include "Session.h"
+#include "Table.h"
 
 namespace voractl {
 
@@ -30,6 +31,7 @@ std::string Exporter::read() {
     const double start = Seconds();
     std::string text;
     bool up = false;
+    std::string failure;
     {
         std::lock_guard<std::mutex> lock(module_);
         if (session_.opened()) {
@@ -45,10 +47,19 @@ std::string Exporter::read() {
         } else {
             text = PrometheusText({});  // nothing read, nothing unreadable
         }
+        if (failedAt_ > 0) {
+            char at[32];
+            std::snprintf(at, sizeof at, "%.3f", failedAt_);
+            failure = std::string("# HELP voradrv_last_initialize_error_timestamp_seconds When "
+                                  "initialising the module last failed, and the status it gave.\n"
+                                  "# TYPE voradrv_last_initialize_error_timestamp_seconds gauge\n"
+                                  "voradrv_last_initialize_error_timestamp_seconds{error=\"") +
+                      StatusText(failure_) + "\"} " + at + "\n";
+        }
     }
     char duration[32];
     std::snprintf(duration, sizeof duration, "%.6f", Seconds() - start);
-    return text +
+    return text + failure +
            Gauge("voradrv_up", "1 when the module is up and its board library answered every item.",
                  up ? "1" : "0") +
            Gauge("voradrv_scrape_duration_seconds", "Time this scrape took to read the board.",
@@ -99,7 +110,15 @@ void Exporter::scrape(std::chrono::steady_clock::time_point arrived, Scraped don
 
 uint32_t Exporter::tryOpen() {
     std::lock_guard<std::mutex> lock(module_);
-    return session_.opened() ? 0 : session_.tryOpen();
+    if (session_.opened()) {
+        return 0;
+    }
+    const uint32_t status = session_.tryOpen();
+    if (status != 0) {
+        failedAt_ = UnixTime();
+        failure_ = status;
+    }
+    return status;
 }
 
 bool Exporter::opened() {
@@ -114,7 +133,21 @@ void Exporter::close() {
 
 JsonPtr Exporter::records() {
     std::lock_guard<std::mutex> lock(module_);
-    return Own(session_.opened() ? RecordsJson(session_.readAll(session_.items())) : json_array());
+    if (!session_.opened()) {
+        return Own(json_array());
+    }
+    const std::vector<Reading> readings = session_.readAll(session_.items());
+    JsonPtr records = Own(RecordsJson(readings));
+    // The page shows values and limits in voractl's words, from here.
+    for (size_t i = 0; i < readings.size(); ++i) {
+        json_t* record = json_array_get(records.get(), i);
+        json_object_set_new(record, "text", json_string(ShownValue(readings[i]).c_str()));
+        const std::string limits = LimitsText(*readings[i].item);
+        if (!limits.empty()) {
+            json_object_set_new(record, "limits", json_string(limits.c_str()));
+        }
+    }
+    return records;
 }
 
 std::string Exporter::document() {

@@ -42,10 +42,11 @@ public:
     void close();
 
     // For the board page, each under the same lock as the scrapes: every
-    // item's record as "voractl list --json" gives it (an empty array while
-    // the module is not up); the capability document as the module built
-    // it (null while it is not up); the board library the module bound,
-    // {"name", "generation", "path"} (null: none).
+    // item's record as "voractl list --json" gives it, with "text" (the
+    // value as voractl shows it) and "limits" (as voractl list shows them),
+    // an empty array while the module is not up; the capability document as
+    // the module built it (null while it is not up); the board library the
+    // module bound, {"name", "generation", "path"} (null: none).
     JsonPtr records();
     std::string document();
     std::string library();
@@ -61,6 +62,10 @@ private:
     std::vector<Scraped> waiting_;  // for the reading under way
     std::shared_ptr<const Exposition> latest_;
     std::chrono::steady_clock::time_point finished_;  // when latest_ was read
+
+    // The last time initialise failed, and its status (under module_).
+    double failedAt_ = 0;
+    uint32_t failure_ = 0;
 };
 
 }  // namespace voractl

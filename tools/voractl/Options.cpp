@@ -140,10 +140,12 @@ const std::map<std::string, CommandSpec> kCommands = {
       "  prometheus   the Prometheus text format, for node_exporter's textfile\n"
       "               collector (metric names start with voradrv_)\n\n"
       "  --output FILE  a regular FILE is replaced atomically (a temporary file\n"
-      "                 renamed over it), so that a reader never sees half an\n"
-      "                 export; a symbolic link's target is written; a FIFO,\n"
-      "                 character device or socket is written to as it is;\n"
-      "                 \"-\" and no --output: standard output\n\n"
+      "                 renamed over it, the file's mode kept), so that a reader\n"
+      "                 never sees half an export; a symbolic link's target is\n"
+      "                 written; a FIFO, character device or socket is written\n"
+      "                 to as it is, and /dev/stdout through voractl's own\n"
+      "                 standard output (so >> appends); \"-\" and no --output:\n"
+      "                 standard output\n\n"
       "An item that cannot be read is left out and named on standard error, and\n"
       "the exit status is 1; the rest is still written.\n",
       {"--format", "--output"}, 0, 0}},
@@ -154,9 +156,11 @@ const std::map<std::string, CommandSpec> kCommands = {
       "in front of the board library that keeps every distinct call and the\n"
       "library's answer. Nothing is written to the board. The recording is a\n"
       "board: voractl --sim=FILE replays it, anywhere.\n\n"
-      "  --redact       replace what identifies the board or its site (serial\n"
-      "                 number, customer strings, the management network's names\n"
-      "                 and addresses) with placeholders of the same form\n"
+      "  --redact       keep only the board's manufacturer, name, revisions,\n"
+      "                 versions, platform type, sensor and panel names and its\n"
+      "                 readings; replace every other text and every word of the\n"
+      "                 management network's values with placeholders of the\n"
+      "                 same form\n"
       "  --output FILE  where to write it, as export writes (default: standard\n"
       "                 output)\n",
       {"--redact", "--output"}, 0, 0}},

@@ -1,43 +1,58 @@
 #include "Record.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 
 #include "Format.h"
 #include "Output.h"
 #include "Reading.h"
+#include "files/Read.h"
+#include "files/Write.h"
 #include "record/Recording.h"
 
 namespace voractl {
 
-std::string RecordingFile() {
-    const char* tmp = std::getenv("TMPDIR");
-    std::string path = std::string(tmp != nullptr && *tmp != '\0' ? tmp : "/tmp") +
-                       "/voractl-recording-XXXXXX";
-    const int fd = mkstemp(path.data());
-    if (fd < 0) {
-        throw ToolError("cannot make a file for the recording in " + path);
+namespace {
+
+// The channel this process was given, or -1.
+int Channel() {
+    const char* given = std::getenv("VORA_RECORD_FD");
+    char* end = nullptr;
+    const long fd = given != nullptr ? std::strtol(given, &end, 10) : -1;
+    return given != nullptr && *given != '\0' && *end == '\0' && fd >= 0 && fd < 65536
+               ? static_cast<int>(fd)
+               : -1;
+}
+
+}  // namespace
+
+int RecordingChannel() {
+    try {
+        return vorafiles::AnonymousFile("voractl-recording");
+    } catch (const vorafiles::FileError& e) {
+        throw ToolError(std::string("cannot record: ") + e.what());
     }
-    close(fd);
-    return path;
 }
 
 int Record(Context& context) {
+    const int channel = Channel();
+    if (channel >= 0) {
+        fcntl(channel, F_SETFD, FD_CLOEXEC);  // nothing voractl starts needs it
+    }
     Session& session = context.session;
     const int exitStatus = ReportFailures(session.readAll(session.items()));
-    session.close();  // the stand-in writes the recording when the library shuts down
-    const char* kept = std::getenv("VORA_RECORD");
-    const std::string path = kept != nullptr ? kept : "";
-    std::ifstream in(path);
-    std::ostringstream text;
-    text << in.rdbuf();
-    unlink(path.c_str());
-    vorarec::Recording recording;
+    session.close();  // the stand-in hands over the recording when the library shuts down
+    std::string text;
     std::string error;
-    if (path.empty() || !recording.load(text.str(), error)) {
+    try {
+        text = channel >= 0 ? vorafiles::ReadDescriptor(channel, vorafiles::kRecordingLimit) : "";
+    } catch (const vorafiles::FileError& e) {
+        error = e.what();
+    }
+    vorarec::Recording recording;
+    if (text.empty() || !recording.load(text, error)) {
         throw ToolError("the board library's answers were not recorded" +
                         (error.empty() ? std::string() : " (" + error + ")"));
     }

@@ -1,21 +1,19 @@
 #include "Simulation.h"
 
 #include <jansson.h>
-#include <limits.h>
-#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <fstream>
 #include <functional>
-#include <sstream>
 
 #include "Format.h"
 #include "Module.h"
 #include "Session.h"
+#include "files/Directory.h"
+#include "files/Read.h"
 #include "record/Recording.h"
 
 namespace voractl {
@@ -57,35 +55,37 @@ time_t ModifiedAt(const std::string& path) {
     return stat(path.c_str(), &status) == 0 ? status.st_mtime : 0;
 }
 
-// Where this user's simulated boards are kept.
-// Empty when there is no private one: a directory under /tmp that another
-// user could have made (or a link to elsewhere) is not used.
+// Where this user's simulated boards are kept (files/Directory.h); empty
+// when there is no private directory for them.
 std::string StateDirectory() {
-    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
-    if (runtime != nullptr && *runtime != '\0' && access(runtime, W_OK) == 0) {
-        return runtime;
-    }
-    const std::string dir = "/tmp/voractl-" + std::to_string(getuid());
-    mkdir(dir.c_str(), 0700);
-    struct stat status {};
-    if (lstat(dir.c_str(), &status) != 0 || !S_ISDIR(status.st_mode) ||
-        status.st_uid != getuid() || (status.st_mode & 077) != 0) {
-        std::fprintf(stderr,
-                     "voractl: %s is not a private directory of yours; the simulated board is "
-                     "not kept between runs\n",
-                     dir.c_str());
+    try {
+        return vorafiles::RuntimeDirectory("voractl");
+    } catch (const vorafiles::FileError& e) {
+        std::fprintf(stderr, "voractl: %s; the simulated board is not kept between runs\n", e.what());
         return "";
     }
-    return dir;
 }
 
 // A state the simulator could not start from, or not keep changes in, is
-// named with what to do about it.
+// named with what to do about it. Only a regular file, or none, can be one.
 void CheckState(const std::string& state) {
     const std::string reset = "; --sim-reset starts the simulated board again from its profile";
-    if (access(state.c_str(), F_OK) == 0) {
+    struct stat status {};
+    if (lstat(state.c_str(), &status) == 0) {
+        if (!S_ISREG(status.st_mode)) {
+            throw ToolError("the simulated board's state " + state + " is " +
+                            vorafiles::KindOf(status.st_mode) +
+                            ", not a regular file; VORA_SIM_STATE names another file");
+        }
+        std::string text;
+        try {
+            text = vorafiles::Read(state, vorafiles::kStateLimit);
+        } catch (const vorafiles::FileError& e) {
+            throw ToolError("the simulated board's state " + state + " cannot be read (" + e.what() + ")" +
+                            reset);
+        }
         json_error_t error;
-        json_t* board = json_load_file(state.c_str(), 0, &error);
+        json_t* board = json_loadb(text.data(), text.size(), 0, &error);
         json_decref(board);
         if (board == nullptr) {
             throw ToolError("the simulated board's state " + state + " is damaged (line " +
@@ -96,8 +96,7 @@ void CheckState(const std::string& state) {
                             std::strerror(errno) + ")" + reset + ", or VORA_SIM_STATE names another file");
         }
     }
-    const size_t slash = state.rfind('/');
-    const std::string dir = slash == std::string::npos ? "." : state.substr(0, slash + 1);
+    const std::string dir = vorafiles::DirectoryOf(state[0] == '/' ? state : "./" + state);
     if (access(dir.c_str(), W_OK) != 0) {
         throw ToolError("the simulated board's state cannot be kept in " + dir + " (" +
                         std::strerror(errno) + "); VORA_SIM_STATE names another file");
@@ -122,7 +121,11 @@ void PrepareState(const std::string& profile, const std::string& library,
         setenv("VORA_SIM_STATE", state.c_str(), 1);
     }
     const time_t board = ModifiedAt(profile.empty() ? library : profile);
-    if (reset || ModifiedAt(state) < board) {
+    struct stat status {};
+    // Only a state of ours is forgotten: whatever else is named there is
+    // refused below, untouched.
+    if ((reset || ModifiedAt(state) < board) && lstat(state.c_str(), &status) == 0 &&
+        S_ISREG(status.st_mode)) {
         unlink(state.c_str());
     }
     CheckState(state);
@@ -131,15 +134,18 @@ void PrepareState(const std::string& profile, const std::string& library,
 // The generation of the recording at `path`; "" when it is no recording.
 // A recording that cannot be replayed is refused, with its problem.
 std::string RecordingGeneration(const std::string& path) {
-    std::ifstream in(path);
-    std::ostringstream text;
-    text << in.rdbuf();
-    if (!vorarec::IsRecording(text.str().substr(0, 255))) {
+    std::string text;
+    try {
+        text = vorarec::ReadBoardFile(path);
+    } catch (const vorafiles::FileError& e) {
+        throw ToolError("cannot read the board profile " + path + ": " + e.what());
+    }
+    if (!vorarec::IsRecording(text)) {
         return "";
     }
     vorarec::Recording recording;
     std::string error;
-    if (!recording.load(text.str(), error)) {
+    if (!recording.load(text, error)) {
         throw ToolError("the recording " + path + " cannot be replayed: " + error);
     }
     return recording.generation();
@@ -150,13 +156,16 @@ std::string RecordingGeneration(const std::string& path) {
 void Simulate(SimulationRequest& request, const std::string& dir) {
     std::string profile;
     if (!request.profile.empty()) {
-        char absolute[PATH_MAX];
-        if (realpath(request.profile.c_str(), absolute) == nullptr) {
-            throw ToolError("cannot read the board profile " + request.profile + ": " +
-                            std::strerror(errno));
+        // Where it leads, for the process that runs on after the exec; a link
+        // another user planted in a shared directory is refused here, as the
+        // reader would refuse it.
+        try {
+            const vorafiles::Place place = vorafiles::Resolve(request.profile);
+            profile = place.descriptor >= 0 ? request.profile : place.path;
+        } catch (const vorafiles::FileError& e) {
+            throw ToolError("cannot read the board profile " + request.profile + ": " + e.what());
         }
-        profile = absolute;
-        setenv("VORA_SIM_BOARD", absolute, 1);
+        setenv("VORA_SIM_BOARD", profile.c_str(), 1);
     } else if (const char* board = std::getenv("VORA_SIM_BOARD"); board != nullptr) {
         profile = board;
     }
@@ -190,7 +199,7 @@ std::string SimulatedBoardState() {
 }
 
 void EnterSimulation(SimulationRequest request, char** argv) {
-    if ((!request.enabled && !request.trace && request.record.empty()) ||
+    if ((!request.enabled && !request.trace && request.record < 0) ||
         std::getenv(kMarker) != nullptr) {
         return;
     }
@@ -202,8 +211,8 @@ void EnterSimulation(SimulationRequest request, char** argv) {
     if (request.trace) {
         setenv("VORA_TRACE", "1", 1);
     }
-    if (!request.record.empty()) {
-        setenv("VORA_RECORD", request.record.c_str(), 1);
+    if (request.record >= 0) {
+        setenv("VORA_RECORD_FD", std::to_string(request.record).c_str(), 1);
     }
     if (request.enabled) {
         Simulate(request, dir);

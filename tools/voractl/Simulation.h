@@ -13,7 +13,7 @@ struct SimulationRequest {
     std::string generation;        // "4", "3" or "eapi"; empty: 4, or the recording's
     bool reset = false;            // start again from the profile
     bool trace = false;            // every board library call on standard error
-    std::string record;            // a file to record the board library's answers in
+    int record = -1;               // a descriptor to hand the board library's answers over
 };
 
 // Unless already done, sets up the path redirection (the simulated library

@@ -1,17 +1,14 @@
 #include "WebConfig.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 #include <yaml.h>
 
 #include <cctype>
-#include <cerrno>
 #include <cstring>
 #include <set>
 #include <vector>
 
 #include "Format.h"
+#include "files/Read.h"
 
 namespace voractl {
 
@@ -87,48 +84,13 @@ private:
     bool loaded_ = false;
 };
 
-// The configuration and the certificate and key it names: each a regular
-// file of at most 1 MiB (a certificate chain takes a few KiB), so that a
-// directory, a device or a FIFO named by mistake is refused, not read
-// forever.
-std::string ReadFile(const std::string& path, const std::string& what) {
-    const size_t kLargest = 1 << 20;
-    const auto fail = [&](const std::string& why) {
-        throw ToolError("cannot read " + what + " " + path + ": " + why);
-    };
-    // O_NONBLOCK: opening a FIFO does not wait for a writer.
-    const int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (fd < 0) {
-        fail(std::strerror(errno));
+std::string ReadFile(const std::string& path, const std::string& what,
+                     const vorafiles::Limit& limit = vorafiles::kKeyLimit) {
+    try {
+        return vorafiles::Read(path, limit);
+    } catch (const vorafiles::FileError& e) {
+        throw ToolError("cannot read " + what + " " + path + ": " + e.what());
     }
-    struct stat status {};
-    std::string why;
-    std::string text;
-    if (fstat(fd, &status) != 0 || !S_ISREG(status.st_mode)) {
-        why = "not a regular file";
-    } else {
-        char buffer[65536];
-        for (;;) {
-            const ssize_t got = read(fd, buffer, sizeof buffer);
-            if (got < 0 && errno == EINTR) {
-                continue;
-            }
-            if (got < 0) {
-                why = std::strerror(errno);
-            } else if (text.size() + static_cast<size_t>(got) > kLargest) {
-                why = "larger than 1 MiB";
-            } else if (got > 0) {
-                text.append(buffer, static_cast<size_t>(got));
-                continue;
-            }
-            break;
-        }
-    }
-    close(fd);
-    if (!why.empty()) {
-        fail(why);
-    }
-    return text;
 }
 
 // A relative file name in the configuration is relative to its directory,
@@ -224,7 +186,7 @@ void ReadTls(Document& doc, yaml_node_t* section, const std::string& path, WebCo
 }  // namespace
 
 WebConfig LoadWebConfig(const std::string& path) {
-    return ParseWebConfig(path, ReadFile(path, "the web configuration"));
+    return ParseWebConfig(path, ReadFile(path, "the web configuration", vorafiles::kConfigLimit));
 }
 
 WebConfig ParseWebConfig(const std::string& path, const std::string& text) {

@@ -58,8 +58,8 @@ int Run(const Options& options) {
 int main(int argc, char** argv) {
     try {
         Options options = ParseOptions(argc, argv);
-        if (options.command == "record" && std::getenv("VORA_RECORD") == nullptr) {
-            options.simulation.record = RecordingFile();
+        if (options.command == "record" && std::getenv("VORA_RECORD_FD") == nullptr) {
+            options.simulation.record = RecordingChannel();
         }
         EnterSimulation(options.simulation, argv);
         return Run(options);
