@@ -34,6 +34,8 @@ expect "prometheus" --sim export --format p
 expect "int|real|string" --sim get --type ""
 expect "--count" --sim watch --c
 expect "--listen" --sim serve --l
+expect "--interval" --sim serve --i
+expect "list" help li
 expect "record" --sim rec
 expect "--redact" record --r
 expect 'Platform\ Information/Board\ name' --sim get 'Platform\ Information/Board\ n'

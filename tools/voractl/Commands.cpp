@@ -93,7 +93,7 @@ int Get(Context& context) {
     // In the order asked for, each item once.
     std::vector<Item> items;
     for (const std::string& selector : options.arguments) {
-        for (const Item& item : Select(context.session.items(), selector, true, options.type).items) {
+        for (const Item& item : Select(context.session.items(), selector, true, options.type.has_value()).items) {
             bool seen = false;
             for (const Item& other : items) {
                 seen = seen || (other.id == item.id && other.path() == item.path());
@@ -103,8 +103,8 @@ int Get(Context& context) {
             }
         }
     }
-    if (options.type != nullptr) {
-        const json_type type = ParseType(options.type);
+    if (options.type) {
+        const json_type type = *options.type;
         for (Item& item : items) {
             // A number read as text, or text as a number, is another item's
             // answer more often than this one's.
@@ -112,7 +112,7 @@ int Get(Context& context) {
                 !item.block.empty() && !options.force) {
                 throw ToolError(Printable(item.path()) + " is published as " +
                                 (item.type == JSON_STRING ? "text" : "a number") +
-                                "; --type " + options.type + " reads it only with --force");
+                                "; --type " + TypeName(type) + " reads it only with --force");
             }
             item.type = type;
         }

@@ -122,21 +122,33 @@ std::optional<uint32_t> ParseId(const std::string& text) {
     return static_cast<uint32_t>(id);
 }
 
+namespace {
+
+const std::pair<const char*, json_type> kTypes[] = {
+    {"int", JSON_INTEGER}, {"real", JSON_REAL}, {"string", JSON_STRING}};
+
+}  // namespace
+
 json_type ParseType(const std::string& name) {
-    if (name == "int") {
-        return JSON_INTEGER;
-    }
-    if (name == "real") {
-        return JSON_REAL;
-    }
-    if (name == "string") {
-        return JSON_STRING;
+    for (const auto& [word, type] : kTypes) {
+        if (name == word) {
+            return type;
+        }
     }
     throw ToolError("--type must be int, real or string, not \"" + name + "\"", true);
 }
 
+const char* TypeName(json_type type) {
+    for (const auto& [word, known] : kTypes) {
+        if (type == known) {
+            return word;
+        }
+    }
+    return "int";
+}
+
 Selection Select(const std::vector<Item>& items, const std::string& selector, bool groups,
-                 const char* type) {
+                 bool typed) {
     std::string wanted = selector;
     while (wanted.size() > 1 && wanted.back() == '/') {
         wanted.pop_back();
@@ -147,7 +159,7 @@ Selection Select(const std::vector<Item>& items, const std::string& selector, bo
                 return {{item}, false};
             }
         }
-        if (type == nullptr) {
+        if (!typed) {
             throw ToolError(IdText(*id) + " is not an item of the capability document "
                             "(give --type to use it anyway)", true);
         }
@@ -212,11 +224,11 @@ Selection Select(const std::vector<Item>& items, const std::string& selector, bo
 }
 
 std::vector<Item> SelectAll(const std::vector<Item>& items, const std::vector<std::string>& selectors,
-                            const char* type) {
+                            bool typed) {
     std::vector<Item> outside;  // ids the document does not publish
     std::vector<bool> chosen(items.size(), false);
     for (const std::string& selector : selectors) {
-        for (const Item& item : Select(items, selector, true, type).items) {
+        for (const Item& item : Select(items, selector, true, typed).items) {
             bool published = false;
             for (size_t i = 0; i < items.size(); ++i) {
                 if (items[i].id == item.id && items[i].path() == item.path()) {

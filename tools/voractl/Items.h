@@ -63,17 +63,20 @@ struct Selection {
 // Resolves `selector`: an id; a path, whole or by its trailing parts
 // ("VCORE", "DI0/Level", "Voltage") when they name one item, or else one
 // block or group; with `groups` false, items only. An id the document does
-// not publish is an item only with `type` given. Throws a usage ToolError
-// for a selector that names nothing, or more than one thing (listing them).
+// not publish is an item only with `typed` (a JSON type to use it with was
+// given). Throws a usage ToolError for a selector that names nothing, or
+// more than one thing (listing them).
 Selection Select(const std::vector<Item>& items, const std::string& selector, bool groups,
-                 const char* type = nullptr);
+                 bool typed = false);
 
 // The items `selectors` name, in document order and each once.
 std::vector<Item> SelectAll(const std::vector<Item>& items, const std::vector<std::string>& selectors,
-                            const char* type = nullptr);
+                            bool typed = false);
 
 // The JSON type named by --type ("int", "real", "string"); throws otherwise.
 json_type ParseType(const std::string& name);
+// The name of a JSON type ParseType gives.
+const char* TypeName(json_type type);
 
 // A fresh JSON value of `type` to read into.
 json_t* EmptyValue(json_type type);

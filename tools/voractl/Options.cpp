@@ -1,371 +1,329 @@
 #include "Options.h"
 
-#include <cerrno>
-#include <cmath>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <map>
-#include <set>
 
 #include "Format.h"
-#include "Items.h"
 
 namespace voractl {
 
 namespace {
 
-const char kUsage[] =
-    "Usage: voractl [OPTIONS] COMMAND [ARGS]\n"
-    "\n"
-    "Inspect and drive a board through the VORADrv driver module.\n"
-    "\n"
-    "Commands:\n"
-    "  info                              the module and the board library in use\n"
-    "  caps                              print the capability document\n"
-    "  list [--all] [--json] [GROUP...]  every item with its current value\n"
-    "  get [--json] [--type T] ITEM...   read items\n"
-    "  set [--json] NAME=VALUE...        write items (or: set ITEM VALUE)\n"
-    "  watch [--json] [--interval S] [--count N] [ITEM|GROUP...]\n"
-    "                                    follow readings live (default: every\n"
-    "                                    hardware-monitor sensor)\n"
-    "  export --format senml|prometheus [--output FILE]\n"
-    "                                    every readable item for monitoring\n"
-    "  record [--redact] [--output FILE] the board library's answers, as a file\n"
-    "                                    that --sim=FILE replays\n"
-    "  serve [--listen ADDR:PORT] [--web-config FILE]\n"
-    "                                    the board as a Prometheus target\n"
-    "\n"
-    "ITEM is an item id (0x1020201 or 16908801) or a path as \"list\" shows it,\n"
-    "whole (\"Hardware Monitor/Voltage/VCORE\") or by its last parts when they\n"
-    "name one item (\"VCORE\", \"DI0/Level\"); GROUP names a block or group the\n"
-    "same way (\"GPIO\", \"Voltage\").\n"
-    "\n"
-    "Options:\n"
-    "  --module PATH          the module to load (default: the installed one,\n"
-    "                         else the one in the build tree)\n"
-    "  --sim[=PROFILE]        run against the board simulator; PROFILE is a board\n"
-    "                         profile file (default: the simulated library's board)\n"
-    "                         or a recording, which the simulator replays\n"
-    "  --sim-generation GEN   with --sim: simulated board library 4 (default), 3\n"
-    "                         or eapi\n"
-    "  --sim-reset            with --sim: start the simulated board again from its\n"
-    "                         profile\n"
-    "  --trace                every call into the board library on standard error\n"
-    "  --raw                  show the module's values as the board library gives\n"
-    "                         them (tenths of a kelvin on an Embedded API library)\n"
-    "  -q, --quiet            drop the module's own messages\n"
-    "  --color[=WHEN]         colour the output: auto (default: on a terminal),\n"
-    "                         always or never; NO_COLOR in the environment turns\n"
-    "                         colour off whatever WHEN says\n"
-    "  -h, --help             show this help; \"voractl help COMMAND\" for a command\n"
-    "  --version              show voractl's version\n"
-    "\n"
-    "The simulated board keeps what is written to it from one run to the next\n"
-    "(in $XDG_RUNTIME_DIR, else /tmp/voractl-UID; VORA_SIM_STATE names another\n"
-    "file) until its profile changes or --sim-reset is given.\n"
-    "\n"
-    "Data goes to standard output; the module's own messages go to standard\n"
-    "error as \"module: ...\", voractl's as \"voractl: ...\".\n"
-    "\n"
-    "Exit status: 0 success; 1 the module or the board failed (an item that\n"
-    "cannot be read, a refused or failed write, no board); 2 usage error.\n";
-
-struct CommandSpec {
-    const char* help;
-    std::set<std::string> options;  // the options the command takes
-    size_t minArguments;
-    size_t maxArguments;
-};
-
-const std::map<std::string, CommandSpec> kCommands = {
-    {"info",
-     {"Usage: voractl info [--json]\n\nShow the module in use (its file and version), the board "
-      "library it bound (its\nfile and generation) and how many items each block publishes.\n",
-      {"--json"}, 0, 0}},
-    {"caps",
-     {"Usage: voractl caps\n\nPrint the capability document the module publishes, as indented "
-      "JSON.\n",
-      {"--json"}, 0, 0}},
-    {"list",
-     {"Usage: voractl list [--all] [--json] [GROUP...]\n\nRead every item (or those of the "
-      "GROUPs) and show them grouped by block and\ngroup: id, name, current value with its unit, "
-      "the published limits, and\n\"read-only\" for an item that cannot be set. GPIO pins are one "
-      "row each, as\ngpioinfo shows lines: number, name, direction, level. \"N/A\" stands for a\n"
-      "value that could not be read.\n\n"
-      "  --all    every item in a row of its own, GPIO pins too\n"
-      "  --json   a JSON array of records instead; an unreadable value is\n"
-      "           null, with an \"error\" member beside it\n",
-      {"--json", "--all"}, 0, SIZE_MAX}},
-    {"get",
-     {"Usage: voractl get [--json] [--type int|real|string] [--force] ITEM...\n\nRead items and "
-      "print their values, one per line (with the item's path when\nthere are several). A GROUP "
-      "reads every item of it.\n\n"
-      "  --json    print JSON records as \"list --json\" does\n"
-      "  --type    the JSON type to read with; needed for an id the capability\n"
-      "            document does not publish\n"
-      "  --force   read a number as text, or text as a number\n",
-      {"--json", "--type", "--force"}, 1, SIZE_MAX}},
-    {"set",
-     {"Usage: voractl set [--json] [--force] NAME=VALUE...\n"
-      "       voractl set [--json] [--type int|real|string] [--force] ITEM VALUE\n\n"
-      "Write each VALUE to its item, then read it back. Every value is checked\n"
-      "against the capability document before any is written: the item must be\n"
-      "settable, a number within the published min..max and the item's 32-bit\n"
-      "range, a two-state item 0, 1 or one of on/off, high/low, in/out,\n"
-      "true/false, active/inactive. A ranged number may also be given as a\n"
-      "percentage of its range (50%) or relative to its present value (+10%,\n"
-      "-10). A value the board reads back differently fails.\n\n"
-      "  --json    print each item's record as read back, with \"written\" and\n"
-      "            \"outcome\"\n"
-      "  --type    the JSON type to write with (with --force)\n"
-      "  --force   send the value unchecked, for a board whose document is wrong\n",
-      {"--json", "--type", "--force"}, 1, SIZE_MAX}},
-    {"watch",
-     {"Usage: voractl watch [--json] [--interval SECONDS] [--count N] [ITEM|GROUP...]\n\n"
-      "Read the items again and again: on a terminal the table is redrawn in place,\n"
-      "otherwise each sample is one line with its time. A value that changed since\n"
-      "the sample before is marked with \"*\". Ctrl-C ends the watch.\n\n"
-      "ITEM is an id or path; GROUP is a block or group such as \"GPIO\" or\n"
-      "\"Voltage\". Without any, every hardware-monitor sensor.\n\n"
-      "  --interval  seconds between samples (default 2; fractions allowed)\n"
-      "  --count     stop after N samples (default: until interrupted)\n"
-      "  --json      one JSON document per line and sample: {\"time\", \"items\"},\n"
-      "              the items as \"list --json\" records with \"changed\"\n",
-      {"--json", "--interval", "--count"}, 0, SIZE_MAX}},
-    {"export",
-     {"Usage: voractl export --format senml|prometheus [--output FILE]\n\n"
-      "Read every item and write the readable ones for a monitoring system:\n\n"
-      "  senml        a SenML pack (RFC 8428): a JSON array of records\n"
-      "  prometheus   the Prometheus text format, for node_exporter's textfile\n"
-      "               collector (metric names start with voradrv_)\n\n"
-      "  --output FILE  a regular FILE is replaced atomically (a temporary file\n"
-      "                 renamed over it, the file's mode kept), so that a reader\n"
-      "                 never sees half an export; a symbolic link's target is\n"
-      "                 written; a FIFO, character device or socket is written\n"
-      "                 to as it is, and /dev/stdout through voractl's own\n"
-      "                 standard output (so >> appends); \"-\" and no --output:\n"
-      "                 standard output\n\n"
-      "An item that cannot be read is left out and named on standard error, and\n"
-      "the exit status is 1; the rest is still written.\n",
-      {"--format", "--output"}, 0, 0}},
-    {"record",
-     {"Usage: voractl record [--redact] [--output FILE]\n\n"
-      "Record the board library: initialise the module, ask for its capability,\n"
-      "read every item with its own JSON type and shut it down, with a stand-in\n"
-      "in front of the board library that keeps every distinct call and the\n"
-      "library's answer. Nothing is written to the board. The recording is a\n"
-      "board: voractl --sim=FILE replays it, anywhere.\n\n"
-      "  --redact       keep only the board's manufacturer, name, revisions,\n"
-      "                 versions, platform type, sensor and panel names and its\n"
-      "                 readings; replace every other text and every word of the\n"
-      "                 management network's values with placeholders of the\n"
-      "                 same form\n"
-      "  --output FILE  where to write it, as export writes (default: standard\n"
-      "                 output)\n",
-      {"--redact", "--output"}, 0, 0}},
-    {"serve",
-     {"Usage: voractl serve [--listen ADDRESS:PORT] [--web-config FILE]\n\n"
-      "Serve the board's metrics over HTTP for Prometheus, until SIGTERM or\n"
-      "Ctrl-C. The module is loaded once; every scrape of /metrics reads every\n"
-      "item again and answers with the families of \"export --format prometheus\"\n"
-      "and voradrv_up, voradrv_scrape_duration_seconds. OpenMetrics when the\n"
-      "scraper asks for it, gzip when it accepts it. \"/\" is a live page of the\n"
-      "board, drawn from the capability document's hints. Nothing over HTTP\n"
-      "changes the board. A module that does not come up is tried again, and\n"
-      "meanwhile voradrv_up is 0.\n\n"
-      "  --listen ADDRESS:PORT  where to listen (default 127.0.0.1:19719);\n"
-      "                         \"[::1]:PORT\" for IPv6, \":PORT\" for every\n"
-      "                         address, port 0 for any free one\n"
-      "  --interval SECONDS     how often the board page's samples are read\n"
-      "                         (default 2; the page keeps the last 300)\n"
-      "  --web-config FILE      TLS and basic auth, in the web configuration format\n"
-      "                         of Prometheus's exporters: tls_server_config\n"
-      "                         (cert_file, key_file, min_version) and\n"
-      "                         basic_auth_users (bcrypt hashes)\n",
-      {"--listen", "--web-config", "--interval"}, 0, 0}},
-};
-
-[[noreturn]] void Print(const char* text) {
-    std::fputs(text, stdout);
+[[noreturn]] void Print(const std::string& text) {
+    std::fputs(text.c_str(), stdout);
     std::exit(0);
 }
 
-// The value of an option given as "--name VALUE" or "--name=VALUE".
-bool OptionValue(const std::string& arg, const char* name, int& i, int argc, char** argv,
-                 std::string& value) {
-    const std::string prefix = std::string(name) + "=";
-    if (arg.rfind(prefix, 0) == 0) {
-        value = arg.substr(prefix.size());
-        return true;
+// "--name VALUE", "--name[=VALUE]" or "--name", as usage and help show it.
+std::string Written(const OptionSpec& option) {
+    const std::string value = option.value != nullptr ? option.value : "";
+    switch (option.takes) {
+        case Takes::Value: return std::string(option.name) + " " + value;
+        case Takes::Attached: return std::string(option.name) + "[=" + value + "]";
+        default: return option.name;
     }
-    if (arg != name) {
-        return false;
-    }
-    if (i + 1 >= argc) {
-        throw ToolError(std::string(name) + " needs a value", true);
-    }
-    value = argv[++i];
-    return true;
 }
 
-double ParseInterval(const std::string& text) {
-    char* end = nullptr;
-    errno = 0;
-    const double seconds = std::strtod(text.c_str(), &end);
-    if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(seconds) ||
-        seconds < 0.01 || seconds > 86400.0) {
-        throw ToolError("--interval must be a number of seconds from 0.01 to 86400, not \"" +
-                        text + "\"", true);
+// Help texts are written as paragraphs, "\n\n" between them, and wrapped
+// here to fit a terminal of 80 columns.
+constexpr size_t kWidth = 79;
+
+// `words` in lines of at most `width` characters, each but the first after
+// `indent` blanks; a word longer than a line has one of its own.
+std::string Filled(const std::vector<std::string>& words, size_t width, size_t indent) {
+    std::string out;
+    size_t column = 0;
+    for (const std::string& word : words) {
+        if (column > 0 && column + 1 + word.size() > width) {
+            out += "\n" + std::string(indent, ' ');
+            column = 0;
+        }
+        out += (column > 0 ? " " : "") + word;
+        column += (column > 0 ? 1 : 0) + word.size();
     }
-    return seconds;
+    return out + "\n";
 }
 
-long ParseCount(const std::string& text) {
-    char* end = nullptr;
-    errno = 0;
-    const long count = std::strtol(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0' || errno != 0 || count < 1) {
-        throw ToolError("--count must be a whole number from 1, not \"" + text + "\"", true);
+// `text`, paragraphs with "\n\n" between them, filled as Filled does.
+std::string Wrapped(const std::string& text, size_t width, size_t indent) {
+    std::string out;
+    size_t at = 0;
+    while (at < text.size()) {
+        const size_t end = std::min(text.find("\n\n", at), text.size());
+        std::vector<std::string> words;
+        for (size_t i = at, next; i < end; i = next + 1) {
+            next = std::min(text.find_first_of(" \n", i), end);
+            if (next > i) {
+                words.emplace_back(text, i, next - i);
+            }
+        }
+        out += (at > 0 ? "\n" + std::string(indent, ' ') : "") + Filled(words, width, indent);
+        at = end + 2;
     }
-    return count;
+    return out;
+}
+
+// `text` beside a first column `width` wide holding `first`, or under it
+// when `first` does not leave room.
+std::string Columns(const std::string& first, size_t width, const std::string& text) {
+    std::string out = "  " + first;
+    out += first.size() + 2 <= width ? std::string(width - first.size(), ' ')
+                                     : "\n" + std::string(width + 2, ' ');
+    return out + Wrapped(text, kWidth - width - 2, width + 2);
+}
+
+std::string OptionLines(const std::vector<OptionUse>& options) {
+    size_t width = 0;
+    std::vector<std::string> names;
+    for (const OptionUse& use : options) {
+        const OptionSpec& option = *use.option;
+        names.push_back((option.alias != nullptr ? std::string(option.alias) + ", " : "") +
+                        Written(option));
+        width = std::max(width, names.back().size() + 2);
+    }
+    width = std::min<size_t>(width, 26);  // a longer name has the line to itself
+    std::string text;
+    for (size_t i = 0; i < options.size(); ++i) {
+        text += Columns(names[i], width, options[i].help);
+    }
+    return text;
+}
+
+// The synopsis of `command`, a line for each form of its arguments, each
+// the words after "voractl [OPTIONS] COMMAND" (an option with its value is
+// one word, as is a form of arguments).
+std::vector<std::vector<std::string>> Synopsis(const CommandSpec& command) {
+    std::vector<std::string> options;
+    for (const OptionUse& use : command.options) {
+        options.push_back(use.required ? Written(*use.option) : "[" + Written(*use.option) + "]");
+    }
+    std::vector<std::vector<std::string>> lines;
+    for (const char* form : command.forms) {
+        lines.push_back(options);
+        lines.back().push_back(form);
+    }
+    if (lines.empty()) {
+        lines.push_back(options);
+    }
+    return lines;
+}
+
+std::string Joined(const std::vector<std::string>& words) {
+    std::string line;
+    for (const std::string& word : words) {
+        line += (line.empty() || word.empty() ? "" : " ") + word;
+    }
+    return line;
+}
+
+const CommandSpec* Find(const CommandLine& table, const std::string& name) {
+    for (const CommandSpec& command : table.commands) {
+        if (name == command.name) {
+            return &command;
+        }
+    }
+    return nullptr;
+}
+
+std::string CommandNames(const CommandLine& table) {
+    std::string names;
+    for (const CommandSpec& command : table.commands) {
+        names += (names.empty() ? "" : ", ") + std::string(command.name);
+    }
+    return names;
+}
+
+// For the shell completion, which asks voractl rather than keep lists of its
+// own: each command with what its arguments are ("voractl --commands"), and
+// each option of voractl or of a command with how it takes its value and
+// the words it takes ("voractl --options [COMMAND]"). Not in the help: no
+// person types them.
+[[noreturn]] void PrintCompletion(const CommandLine& table, int argc, char** argv) {
+    static const char* const kArguments[] = {"", " groups", " items", " settable", " commands"};
+    static const char* const kTakes[] = {"flag", "value", "=value"};
+    std::string text;
+    if (std::strcmp(argv[1], "--commands") == 0) {
+        if (argc > 2) {
+            throw ToolError("--commands takes no arguments", true);
+        }
+        for (const CommandSpec& command : table.commands) {
+            text += command.name + std::string(kArguments[static_cast<int>(command.completes)]) + "\n";
+        }
+        Print(text + "help commands\n");
+    }
+    const CommandSpec* command = argc > 2 ? Find(table, argv[2]) : nullptr;
+    if (argc > 3 || (argc == 3 && command == nullptr)) {
+        throw ToolError("--options takes a command (see voractl --commands), or none", true);
+    }
+    for (const OptionUse& use : command != nullptr ? command->options : table.options) {
+        const OptionSpec& option = *use.option;
+        std::string takes = kTakes[static_cast<int>(option.takes)];
+        if (option.completes == Completes::Files) {
+            takes.replace(takes.find("value"), 5, "file");
+        } else if (option.completes == Completes::Words) {
+            takes.replace(takes.find("value"), 5, "words ");
+            std::replace_copy(option.value, option.value + std::strlen(option.value),
+                              std::back_inserter(takes), '|', ' ');
+        }
+        text += std::string(option.name) + " " + takes + "\n";
+    }
+    Print(command != nullptr ? text + "--help flag\n" : text);
+}
+
+// The option `arg` names among `options`; null for none.
+const OptionUse* Named(const std::vector<OptionUse>& options, const std::string& arg) {
+    const std::string name = arg.substr(0, arg.find('='));
+    for (const OptionUse& use : options) {
+        if (name == use.option->name || (use.option->alias != nullptr && arg == use.option->alias)) {
+            return &use;
+        }
+    }
+    return nullptr;
+}
+
+// Takes `option` from argv[i] ("--name", "--name=VALUE") and, for a value
+// given apart, argv[i + 1].
+void Take(const OptionSpec& option, Options& options, int& i, int argc, char** argv) {
+    const char* equals = std::strchr(argv[i], '=');
+    const char* value = equals != nullptr ? equals + 1 : nullptr;
+    if (value != nullptr && option.takes == Takes::Nothing) {
+        throw ToolError(std::string(option.name) + " takes no value", true);
+    }
+    if (value == nullptr && option.takes == Takes::Value) {
+        if (i + 1 >= argc) {
+            throw ToolError(std::string(option.name) + " needs a value", true);
+        }
+        value = argv[++i];
+    }
+    option.take(options, value);
+}
+
+// voractl's own options, from argv[1] to the command; the index of the command.
+int ParseGlobal(Options& options, int argc, char** argv, const CommandLine& table) {
+    bool simulated = false;  // an option given that needs --sim
+    int i = 1;
+    for (; i < argc && argv[i][0] == '-'; ++i) {
+        const OptionUse* use = Named(table.options, argv[i]);
+        if (use == nullptr) {
+            throw ToolError("unknown option " + std::string(argv[i]), true);
+        }
+        Take(*use->option, options, i, argc, argv);
+        simulated = simulated || use->option->simulated;
+        if (options.help) {
+            Print(UsageText(table));
+        } else if (options.version) {
+            Print(std::string("voractl ") + table.version + "\n");
+        }
+    }
+    if (simulated && !options.simulation.enabled) {
+        std::string names;
+        for (const OptionUse& use : table.options) {
+            names += use.option->simulated ? (names.empty() ? "" : " and ") + std::string(use.option->name) : "";
+        }
+        throw ToolError(names + " choose the simulated board: give --sim too", true);
+    }
+    return i;
 }
 
 // The command's own options and arguments, from argv[i] on.
 void ParseCommand(Options& options, int i, int argc, char** argv) {
-    const CommandSpec& command = kCommands.at(options.command);
+    const CommandSpec& command = *options.command;
+    std::vector<const OptionSpec*> given;
     for (; i < argc; ++i) {
         const std::string arg = argv[i];
-        const std::string name = arg.substr(0, arg.find('='));
-        std::string value;
         if (arg == "-h" || arg == "--help") {
-            Print(command.help);
+            Print(HelpText(command));
         } else if (arg == "--") {
             options.arguments.insert(options.arguments.end(), argv + i + 1, argv + argc);
             break;
         } else if (arg.rfind("--", 0) != 0 || arg.size() == 2) {
-            options.arguments.push_back(arg);
-        } else if (command.options.count(name) == 0) {
-            throw ToolError("unknown option " + name + " for " + options.command, true);
-        } else if (arg == "--json") {
-            options.json = true;
-        } else if (arg == "--all") {
-            options.all = true;
-        } else if (arg == "--force") {
-            options.force = true;
-        } else if (arg == "--redact") {
-            options.redact = true;
-        } else if (OptionValue(arg, "--type", i, argc, argv, value)) {
-            ParseType(value);
-            options.type = argv[i] + (arg == "--type" ? 0 : std::strlen("--type="));
-        } else if (OptionValue(arg, "--interval", i, argc, argv, value)) {
-            options.interval = ParseInterval(value);
-        } else if (OptionValue(arg, "--count", i, argc, argv, value)) {
-            options.count = ParseCount(value);
-        } else if (OptionValue(arg, "--format", i, argc, argv, value)) {
-            if (value != "senml" && value != "prometheus") {
-                throw ToolError("--format must be senml or prometheus, not \"" + value + "\"",
-                                true);
-            }
-            options.format = value;
-        } else if (OptionValue(arg, "--listen", i, argc, argv, value)) {
-            options.listen = value;
-        } else if (OptionValue(arg, "--web-config", i, argc, argv, value)) {
-            if (value.empty()) {
-                throw ToolError("--web-config needs a file name", true);
-            }
-            options.webConfig = value;
-        } else if (OptionValue(arg, "--output", i, argc, argv, value)) {
-            if (value.empty()) {
-                throw ToolError("--output needs a file name (- for standard output)", true);
-            }
-            options.output = value;
+            options.arguments.push_back(arg);  // "-10" is a value to set
+        } else if (const OptionUse* use = Named(command.options, arg)) {
+            Take(*use->option, options, i, argc, argv);
+            given.push_back(use->option);
         } else {
-            throw ToolError(name + " takes no value", true);
+            throw ToolError("unknown option " + arg.substr(0, arg.find('=')) + " for " + command.name,
+                            true);
         }
     }
     const size_t n = options.arguments.size();
     if (n < command.minArguments || n > command.maxArguments) {
-        const char* wanted = options.command == "get"   ? "get needs at least one ITEM"
-                             : options.command == "set" ? "set needs NAME=VALUE or ITEM VALUE"
-                                                        : nullptr;
-        throw ToolError(wanted != nullptr ? wanted : options.command + " takes no arguments",
+        throw ToolError(command.wrongArguments != nullptr
+                            ? command.wrongArguments
+                            : std::string(command.name) + " takes no arguments",
                         true);
     }
-    if (options.command == "export" && options.format.empty()) {
-        throw ToolError("export needs --format senml or --format prometheus", true);
+    for (const OptionUse& use : command.options) {
+        if (use.required && std::find(given.begin(), given.end(), use.option) == given.end()) {
+            std::string value = use.option->value;  // "senml|prometheus": "senml or --format prometheus"
+            for (size_t bar; (bar = value.find('|')) != std::string::npos;) {
+                value.replace(bar, 1, std::string(" or ") + use.option->name + " ");
+            }
+            throw ToolError(std::string(command.name) + " needs " + use.option->name + " " + value, true);
+        }
     }
 }
 
 }  // namespace
 
-Options ParseOptions(int argc, char** argv) {
-    Options options;
-    bool simOnly = false;  // an option that makes sense with --sim only
-    int i = 1;
-    for (; i < argc; ++i) {
-        const std::string arg = argv[i];
-        std::string value;
-        if (arg == "-h" || arg == "--help") {
-            Print(kUsage);
-        } else if (arg == "--version") {
-            Print("voractl " VORACTL_VERSION "\n");
-        } else if (OptionValue(arg, "--module", i, argc, argv, value)) {
-            if (value.empty()) {
-                throw ToolError("--module needs a file name", true);
-            }
-            options.modulePath = value;
-        } else if (arg == "--sim") {
-            options.simulation.enabled = true;
-        } else if (arg.rfind("--sim=", 0) == 0) {
-            options.simulation.enabled = true;
-            options.simulation.profile = arg.substr(6);
-            if (options.simulation.profile.empty()) {
-                throw ToolError("--sim= needs a board profile file", true);
-            }
-        } else if (OptionValue(arg, "--sim-generation", i, argc, argv, value)) {
-            options.simulation.generation = value;
-            simOnly = true;
-        } else if (arg == "--sim-reset") {
-            options.simulation.reset = true;
-            simOnly = true;
-        } else if (arg == "--raw") {
-            options.raw = true;
-        } else if (arg == "--trace") {
-            options.simulation.trace = true;
-        } else if (arg == "-q" || arg == "--quiet") {
-            options.quiet = true;
-        } else if (arg == "--color") {
-            options.color = ColorMode::Always;
-        } else if (arg.rfind("--color=", 0) == 0) {
-            options.color = ParseColorMode(arg.substr(8));
-        } else if (arg.rfind("-", 0) == 0) {
-            throw ToolError("unknown option " + arg, true);
-        } else {
-            break;
+std::string UsageText(const CommandLine& table) {
+    std::string text = "Usage: voractl [OPTIONS] COMMAND [ARGS]\n\n" +
+                       Wrapped(table.usageHead, kWidth, 0) + "\nCommands:\n";
+    for (const CommandSpec& command : table.commands) {
+        const std::vector<std::vector<std::string>> lines = Synopsis(command);
+        for (size_t i = 0; i < lines.size(); ++i) {
+            const std::string line = Joined({command.name, Joined(lines[i])});
+            text += i + 1 < lines.size() ? "  " + line + "\n" : Columns(line, 34, command.summary);
         }
     }
-    if (simOnly && !options.simulation.enabled) {
-        throw ToolError("--sim-generation and --sim-reset choose the simulated board: "
-                        "give --sim too", true);
+    return text + "\n" + Wrapped(table.afterCommands, kWidth, 0) + "\nOptions:\n" +
+           OptionLines(table.options) + "\n" + Wrapped(table.usageTail, kWidth, 0);
+}
+
+std::string HelpText(const CommandSpec& command) {
+    std::string text;
+    for (const std::vector<std::string>& words : Synopsis(command)) {
+        // A long synopsis goes on under its command's arguments.
+        const std::string head = (text.empty() ? "Usage: " : "       ") +
+                                 std::string("voractl [OPTIONS] ") + command.name;
+        text += head + (words.empty() ? "\n" : " " + Filled(words, kWidth - head.size() - 1, head.size() + 1));
     }
+    text += "\n" + Wrapped(command.description, kWidth, 0);
+    if (!command.options.empty()) {
+        text += "\n" + OptionLines(command.options);
+    }
+    return command.notes != nullptr ? text + "\n" + Wrapped(command.notes, kWidth, 0) : text;
+}
+
+Options ParseOptions(int argc, char** argv, const CommandLine& table) {
+    if (argc > 1 && (std::strcmp(argv[1], "--commands") == 0 || std::strcmp(argv[1], "--options") == 0)) {
+        PrintCompletion(table, argc, argv);
+    }
+    Options options;
+    int i = ParseGlobal(options, argc, argv, table);
     if (i >= argc) {
         throw ToolError("no command given (see voractl --help)", true);
     }
-    options.command = argv[i++];
-    if (options.command == "help") {
+    const std::string name = argv[i++];
+    if (name == "help") {
         if (i == argc) {
-            Print(kUsage);
+            Print(UsageText(table));
         }
-        const auto topic = kCommands.find(argv[i]);
-        if (topic == kCommands.end() || i + 1 < argc) {
-            throw ToolError("no help on \"" + std::string(argv[i]) + "\"; commands: info, caps, "
-                            "list, get, set, watch, export, record, serve", true);
+        if (i + 1 < argc) {
+            throw ToolError("help takes one command", true);
         }
-        Print(topic->second.help);
+        const CommandSpec* topic = Find(table, argv[i]);
+        if (topic == nullptr) {
+            throw ToolError("no help on \"" + std::string(argv[i]) + "\"; commands: " +
+                                CommandNames(table), true);
+        }
+        Print(HelpText(*topic));
     }
-    if (kCommands.count(options.command) == 0) {
-        throw ToolError("unknown command \"" + options.command + "\" (see voractl --help)", true);
+    options.command = Find(table, name);
+    if (options.command == nullptr) {
+        throw ToolError("unknown command \"" + name + "\" (see voractl --help)", true);
     }
     ParseCommand(options, i, argc, argv);
     return options;

@@ -179,10 +179,10 @@ int Set(Context& context) {
     bool refused = false;
     for (const auto& [selector, text] : Assignments(options.arguments)) {
         Planned planned;
-        planned.item = Select(session.items(), selector, false, options.type).items.front();
+        planned.item = Select(session.items(), selector, false, options.type.has_value()).items.front();
         planned.text = text;
-        if (options.type != nullptr) {
-            const json_type type = ParseType(options.type);
+        if (options.type) {
+            const json_type type = *options.type;
             if (type != planned.item.type && !options.force && !planned.item.block.empty()) {
                 planned.refusal = "the document publishes it as another type (--force writes it anyway)";
             }

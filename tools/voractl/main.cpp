@@ -2,18 +2,13 @@
 // way a host framework loads it.
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
 
+#include "CommandTable.h"
 #include "Commands.h"
-#include "Export.h"
 #include "Format.h"
-#include "Options.h"
-#include "Record.h"
-#include "Serve.h"
 #include "Session.h"
 #include "Simulation.h"
-#include "Watch.h"
 
 using namespace voractl;
 
@@ -21,31 +16,11 @@ namespace {
 
 int Run(const Options& options) {
     Session session(options.modulePath, options.quiet, options.raw);
-    if (options.command != "serve") {
-        session.open();  // serve keeps serving, and retrying, when it cannot
+    if (options.command->opensModule) {
+        session.open();
     }
     Context context{session, options, stdout, Style(options.color, stdout)};
-    const std::string& command = options.command;
-    int exitStatus = 0;
-    if (command == "info") {
-        exitStatus = Info(context);
-    } else if (command == "caps") {
-        exitStatus = Caps(context);
-    } else if (command == "list") {
-        exitStatus = List(context);
-    } else if (command == "get") {
-        exitStatus = Get(context);
-    } else if (command == "set") {
-        exitStatus = Set(context);
-    } else if (command == "watch") {
-        exitStatus = Watch(context);
-    } else if (command == "record") {
-        exitStatus = Record(context);
-    } else if (command == "serve") {
-        exitStatus = Serve(context);
-    } else {
-        exitStatus = Export(context);
-    }
+    const int exitStatus = options.command->run(context);
     // A reader that went away (a pager closed early) is no error of ours.
     if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && errno != EPIPE) {
         throw ToolError(std::string("cannot write the output: ") + std::strerror(errno));
@@ -57,9 +32,9 @@ int Run(const Options& options) {
 
 int main(int argc, char** argv) {
     try {
-        Options options = ParseOptions(argc, argv);
-        if (options.command == "record" && std::getenv("VORA_RECORD_FD") == nullptr) {
-            options.simulation.record = RecordingChannel();
+        Options options = ParseOptions(argc, argv, VoractlCommands());
+        if (options.command->prepare != nullptr) {
+            options.command->prepare(options);
         }
         EnterSimulation(options.simulation, argv);
         return Run(options);

@@ -1,8 +1,11 @@
 # bash completion for voractl                                -*- shell-script -*-
 #
-# Completes commands, options and their values, and item and group paths,
-# which it reads through voractl itself (with the --module and --sim options
-# already on the line), so they are the board's own.
+# Completes commands, options and their values, and item and group paths.
+# It keeps no list of its own: the commands and options come from voractl's
+# command table (voractl --commands, voractl --options [COMMAND]), so the
+# completion of a voractl is always that voractl's, and the item and group
+# paths from the board through voractl itself (with the --module and --sim
+# options already on the line), so they are the board's own.
 
 # The words before the cursor with "--opt" "=" "value" joined again (bash
 # splits words at "=").
@@ -20,17 +23,19 @@ _voractl_words() {
 }
 
 # Item paths, one a line: with "groups" every block and group path too,
-# with "settable" only items that can be set.
+# with "settable" only items that can be set. voractl's own options on the
+# line that take a value (the module, the simulated board) are passed on;
+# flags, which change nothing there or change the board, are not.
 _voractl_paths() {
     local -a options=()
     local i word
     for ((i = 1; i < ${#_voractl_line[@]}; i++)); do
         word=${_voractl_line[i]}
-        case $word in
-            --module | --sim-generation) options+=("$word" "${_voractl_line[i + 1]}"); ((i++)) ;;
-            --module=* | --sim | --sim=* | --sim-generation=*) options+=("$word") ;;
-            -*) ;;
-            *) break ;;
+        [[ $word == -* ]] || break
+        case ${_voractl_global[${word%%=*}]-} in
+            value | file | words*) options+=("$word")
+                                   [[ $word == *=* ]] || { options+=("${_voractl_line[i + 1]}"); ((i++)); } ;;
+            =*) options+=("$word") ;;
         esac
     done
     "${_voractl_line[0]}" "${options[@]}" --quiet list --json 2>/dev/null |
@@ -46,6 +51,21 @@ _voractl_paths() {
                 }
                 if (want != "settable" || text($0) != "r") print path
             }'
+}
+
+# Reads what voractl --options says of each option of voractl (or, given a
+# command, of the command) into the associative array named first: how it
+# takes its value (flag, value, file, or words WORD..., with a leading "="
+# when the value comes only after "="); _voractl_names gets their names in
+# order.
+_voractl_options() {
+    local -n takes=$1
+    local name how
+    _voractl_names=()
+    while read -r name how; do
+        takes[$name]=$how
+        _voractl_names+=("$name")
+    done < <("${_voractl_line[0]}" --options "${@:2}" 2>/dev/null)
 }
 
 # Offers the lines on standard input that start with the current word, which
@@ -70,67 +90,66 @@ _voractl_offer() {
 }
 
 _voractl() {
-    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]}
-    local command= word
+    local cur=${COMP_WORDS[COMP_CWORD]} prev=${COMP_WORDS[COMP_CWORD - 1]} attached=
+    local command= arguments= name what word
+    local -a _voractl_names=() names=()
+    local -A _voractl_global=() _voractl_takes=() commands=()
     _voractl_words
+    # The commands, and what each takes as arguments, from voractl itself.
+    while read -r name what; do
+        commands[$name]=$what
+        names+=("$name")
+    done < <("${_voractl_line[0]}" --commands 2>/dev/null)
     for word in "${_voractl_line[@]:1}"; do
-        case $word in
-            info | caps | list | get | set | watch | export | record | serve | help) command=$word; break ;;
-        esac
+        if [[ -v commands[$word] ]]; then
+            command=$word arguments=${commands[$word]}
+            break
+        fi
     done
-    [[ $prev == = ]] && prev=${COMP_WORDS[COMP_CWORD - 2]}
-    case $prev in
-        --module | --output | --web-config)
-            compopt -o filenames 2>/dev/null
-            COMPREPLY=($(compgen -f -- "$cur")); return ;;
-        --sim)
-            if [[ ${COMP_WORDS[COMP_CWORD - 1]} == = ]]; then
+    _voractl_options _voractl_global
+    if [[ -n $command ]]; then
+        _voractl_options _voractl_takes "$command"
+    else
+        _voractl_options _voractl_takes
+    fi
+    [[ $prev == = ]] && prev=${COMP_WORDS[COMP_CWORD - 2]} attached=1
+    what=${_voractl_takes[$prev]-}
+    case $what in
+        file | =file)
+            if [[ $what == file || -n $attached ]]; then
                 compopt -o filenames 2>/dev/null
                 COMPREPLY=($(compgen -f -- "$cur"))
                 return
             fi ;;
-        --sim-generation) COMPREPLY=($(compgen -W "4 3 eapi" -- "$cur")); return ;;
-        --color) [[ ${COMP_WORDS[COMP_CWORD - 1]} == = ]] &&
-                     { COMPREPLY=($(compgen -W "auto always never" -- "$cur")); return; } ;;
-        --format) COMPREPLY=($(compgen -W "senml prometheus" -- "$cur")); return ;;
-        --type) COMPREPLY=($(compgen -W "int real string" -- "$cur")); return ;;
-        --interval | --count | --listen) return ;;
+        words* | =words*)
+            if [[ $what == words* || -n $attached ]]; then
+                COMPREPLY=($(compgen -W "${what#*words }" -- "$cur"))
+                return
+            fi ;;
+        value) return ;;
     esac
-    local options
-    case $command in
-        "") options="--module --sim --sim-generation --sim-reset --trace --raw --quiet --color --help --version" ;;
-        info | caps) options="--json --help" ;;
-        list) options="--all --json --help" ;;
-        get | set) options="--json --type --force --help" ;;
-        watch) options="--json --interval --count --help" ;;
-        export) options="--format --output --help" ;;
-        record) options="--redact --output --help" ;;
-        serve) options="--listen --web-config --interval --help" ;;
-        help) COMPREPLY=($(compgen -W "info caps list get set watch export record serve" -- "$cur")); return ;;
-    esac
-    if [[ $cur == -* || ($command == @(info|caps|export|record|serve) && -n $command) ]]; then
-        COMPREPLY=($(compgen -W "$options" -- "$cur"))
-    elif [[ -z $command ]]; then
-        COMPREPLY=($(compgen -W "info caps list get set watch export record serve help" -- "$cur"))
-    elif [[ $command == @(list|watch) ]]; then
+    if [[ $cur == -* || (-n $command && -z $arguments) ]]; then
+        COMPREPLY=($(compgen -W "${_voractl_names[*]}" -- "$cur"))
+    elif [[ -z $command || $arguments == commands ]]; then
+        COMPREPLY=($(compgen -W "${names[*]}" -- "$cur"))
+    elif [[ $arguments == groups ]]; then
         _voractl_offer "$cur" < <(_voractl_paths groups)
-    elif [[ $command == get ]]; then
+    elif [[ $arguments == items ]]; then
         _voractl_offer "$cur" < <(_voractl_paths)
-    elif [[ $command == set && $cur != *=* ]]; then
+    elif [[ $arguments == settable && $cur != *=* ]]; then
         # NAME=VALUE: the names of items that can be set; ITEM VALUE: the
         # item only, the first word after the command and its options.
         local i after= previous=
         for ((i = 0; i < ${#_voractl_line[@]}; i++)); do
             word=${_voractl_line[i]}
             if [[ -z $after ]]; then
-                [[ $word == set ]] && after=1
-            elif [[ $word == --type ]]; then
+                [[ $word == "$command" ]] && after=1
+            elif [[ ${_voractl_takes[$word]-} == @(value|file|words*) ]]; then
                 ((i++))
             elif [[ $word != -* ]]; then
                 previous=$word
             fi
         done
-        [[ $prev == --type ]] && return
         if [[ -z $previous || $previous == *=* ]]; then
             _voractl_offer "$cur" < <(_voractl_paths settable)
         fi
