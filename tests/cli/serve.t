@@ -32,11 +32,17 @@ voractl shows them, and the exporter's own; promtool accepts it:
 
 The board page's JSON: the capability document as the module built it, and
 the records "voractl list --json" prints, with each value's "text" and
-"limits" as voractl shows them; every answer, refusals of bad requests
-included, forbids content from anywhere else:
+"limits" as voractl shows them and what its unit says for a chart of it
+(states, or the symbol and decimals of its axis); every answer, refusals of
+bad requests included, forbids content from anywhere else:
 
-  $ diff <(curl -s $url/api/v1/items | python3 -c 'import json, sys; print(json.dumps([{k: v for k, v in r.items() if k not in ("text", "limits")} for r in json.load(sys.stdin)], indent=1, sort_keys=True))') \
+  $ page="text limits two_state symbol decimals"
+  $ diff <(curl -s $url/api/v1/items | python3 -c 'import json, sys; print(json.dumps([{k: v for k, v in r.items() if k not in sys.argv[1].split()} for r in json.load(sys.stdin)], indent=1, sort_keys=True))' "$page") \
   >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys --indent 1)
+  $ curl -s $url/api/v1/items | python3 -c 'import json, sys; [print(r["path"], *(f"{k}={r[k]}" for k in sys.argv[1].split()[2:] if k in r)) for r in json.load(sys.stdin) if r["path"].endswith(("e/CPU", "DO1/Level", "Brightness"))]' "$page"
+  Hardware Monitor/Temperature/CPU symbol=°C decimals=1
+  GPIO/DO1/Level two_state=True
+  Backlight/LVDS/Brightness
   $ diff <(curl -s $url/api/v1/document | python3 -m json.tool --sort-keys) \
   >      <(voractl --sim --quiet caps | python3 -m json.tool --sort-keys)
   $ curl -s "$url/api/v1/samples?since=0" | python3 -c 'import json, sys; s = json.load(sys.stdin); print(s["interval"], len(s["samples"]) >= 1)'

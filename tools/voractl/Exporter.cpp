@@ -8,7 +8,6 @@
 #include "Prometheus.h"
 #include "Reading.h"
 #include "Session.h"
-#include "Table.h"
 
 namespace voractl {
 
@@ -136,18 +135,8 @@ JsonPtr Exporter::records() {
     if (!session_.opened()) {
         return Own(json_array());
     }
-    const std::vector<Reading> readings = session_.readAll(session_.items());
-    JsonPtr records = Own(RecordsJson(readings));
-    // The page shows values and limits in voractl's words, from here.
-    for (size_t i = 0; i < readings.size(); ++i) {
-        json_t* record = json_array_get(records.get(), i);
-        json_object_set_new(record, "text", json_string(ShownValue(readings[i]).c_str()));
-        const std::string limits = LimitsText(*readings[i].item);
-        if (!limits.empty()) {
-            json_object_set_new(record, "limits", json_string(limits.c_str()));
-        }
-    }
-    return records;
+    // The page shows values, limits and units in voractl's words, from here.
+    return Own(ShownRecordsJson(session_.readAll(session_.items())));
 }
 
 std::string Exporter::document() {

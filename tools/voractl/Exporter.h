@@ -42,9 +42,9 @@ public:
     void close();
 
     // For the board page, each under the same lock as the scrapes: every
-    // item's record as "voractl list --json" gives it, with "text" (the
-    // value as voractl shows it) and "limits" (as voractl list shows them),
-    // an empty array while the module is not up; the capability document as
+    // item's record as "voractl list --json" gives it, with what the page
+    // needs to show it as voractl does (ShownRecordsJson in Reading.h), an
+    // empty array while the module is not up; the capability document as
     // the module built it (null while it is not up); the board library the
     // module bound, {"name", "generation", "path"} (null: none).
     JsonPtr records();

@@ -49,44 +49,27 @@ std::string ValueText(const json_t* value) {
 }
 
 std::string UnitText(const std::string& unit) {
-    if (unit == "Cel") {
-        return "°C";
-    }
-    if (unit == "hour") {
-        return "hours";
-    }
-    // "HEX" and "DEC" say how the numbers inside a network text are
-    // written; the text shows that by itself. "Step" is a brightness step.
-    if (unit == "info" || unit == "Step" || unit == "HEX" || unit == "DEC") {
-        return "";
-    }
-    return unit;
+    const char* symbol = UnitKindOf(unit).shown.symbol;
+    return symbol != nullptr ? symbol : unit;
 }
 
 std::string DisplayValue(const json_t* value, const std::string& unit) {
-    // Sensor readings as `sensors` shows them: "+48.5 °C", "1.050 V".
-    struct Reading {
-        const char* unit;
-        const char* format;
-    };
-    static const Reading kReadings[] = {
-        {"Cel", "%+.1f °C"}, {"V", "%.3f V"}, {"A", "%.3f A"}, {"RPM", "%.0f RPM"}};
+    const UnitKind& kind = UnitKindOf(unit);
+    std::string number = ValueText(value);
     if (json_is_number(value)) {
         const double v = json_number_value(value);
-        const TwoStateKind* kind = TwoStateKindOf(unit);
-        if (kind != nullptr && (v == 0.0 || v == 1.0)) {
-            return kind->shown(v == 1.0 ? 1 : 0);
+        const TwoStateKind* states = kind.twoState();
+        if (states != nullptr && (v == 0.0 || v == 1.0)) {
+            return states->shown(v == 1.0 ? 1 : 0);
         }
-        for (const Reading& reading : kReadings) {
-            if (unit == reading.unit) {
-                char text[64];
-                std::snprintf(text, sizeof text, reading.format, v);
-                return text;
-            }
+        if (kind.shown.decimals >= 0) {
+            char text[64];
+            std::snprintf(text, sizeof text, kind.shown.sign ? "%+.*f" : "%.*f", kind.shown.decimals, v);
+            number = text;
         }
     }
-    const std::string text = UnitText(unit);
-    return ValueText(value) + (text.empty() ? "" : " " + text);
+    const std::string symbol = UnitText(unit);
+    return symbol.empty() ? number : number + " " + symbol;
 }
 
 std::string IdText(uint32_t id) {

@@ -29,13 +29,13 @@ std::string StatusText(uint32_t status);
 // as they are.
 std::string ValueText(const json_t* value);
 
-// A unit as people read it ("Cel" is shown as "°C", "hour" as "hours"; "info",
-// "Step", "", and the network texts' "HEX" and "DEC" as nothing).
+// A unit as people read it: its symbol ("Cel" is shown as "°C", "hour" as
+// "hours"), nothing for a unit that shows nothing ("Step", "info").
 std::string UnitText(const std::string& unit);
 
 // A value with its unit as people read it, the way `sensors` shows readings
-// ("+48.5 °C", "1.050 V", "2400 RPM", "1.250 A"), and the two-state units in
-// words ("in"/"out", "high"/"low", "on"/"off").
+// ("+48.5 °C", "1.050 V", "2400 RPM", "1.250 A"), and a two-state unit's
+// states in its words ("in"/"out", "high"/"low", "on"/"off").
 std::string DisplayValue(const json_t* value, const std::string& unit);
 
 // "0x1020201".

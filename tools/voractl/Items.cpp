@@ -82,8 +82,8 @@ std::string Item::path() const {
 std::string Item::groupPath() const { return group.empty() ? block : block + "/" + group; }
 
 const TwoStateKind* Item::twoStateKind() const {
-    const TwoStateKind* kind = TwoStateKindOf(unit);
-    return kind == nullptr && key == "bv" ? &kPlainTwoState : kind;
+    const TwoStateKind* states = kind().twoState();
+    return states == nullptr && key == "bv" ? &kPlainTwoState : states;
 }
 
 std::vector<Item> CollectItems(const json_t* document) {

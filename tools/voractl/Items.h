@@ -10,8 +10,18 @@
 #include <vector>
 
 #include "Kinds.h"
+#include "voradrv.h"
 
 namespace voractl {
+
+// The blocks, by the class bits of their items' ids.
+enum class Block : uint32_t {
+    Platform = VORADRV_CLASS_INFO,
+    HardwareMonitor = VORADRV_CLASS_HWM,
+    Gpio = VORADRV_CLASS_GPIO,
+    Backlight = VORADRV_CLASS_BKL,
+    Network = VORADRV_CLASS_NETWORK,
+};
 
 struct Item {
     uint32_t id = 0;
@@ -32,6 +42,16 @@ struct Item {
     std::string path() const;
     // "Block/Group", or "Block".
     std::string groupPath() const;
+    // True for an item the document publishes in `block`.
+    bool in(Block block) const {
+        return !this->block.empty() && (id & VORADRV_ID_CLASS_MASK) == static_cast<uint32_t>(block);
+    }
+    // What the item's unit says its values are.
+    const UnitKind& kind() const { return UnitKindOf(unit); }
+    bool is(Quantity quantity) const { return kind().quantity == quantity; }
+    // The backlight's item that turns its panel on and off (named as its
+    // block), beside the panel's other on/off items (its polarity).
+    bool panelSwitch() const { return in(Block::Backlight) && is(Quantity::Switch) && name == "Backlight"; }
     bool writable() const { return access != "r"; }
     // The kind of an on/off, high/low or in/out item (or of a two-state
     // value of no known kind); null for any other item.

@@ -2,17 +2,45 @@
 
 #include <strings.h>
 
+#include <cmath>
+
 namespace voractl {
 
 namespace {
 
-// A word stands for one state of one kind only: "low" is a level, never a
-// direction, so `set GPIO4/Dir=low` cannot turn an input into an output.
-const TwoStateKind kTwoStateKinds[] = {
-    {"I/O", "a direction", {"in", nullptr}, {"out", nullptr}},
-    {"H/L", "a level", {"high", "active"}, {"low", "inactive"}},
-    {"ON/OFF", "an on/off state", {"on", "true"}, {"off", "false"}},
+// 0 °C in the Embedded API's tenths of a kelvin.
+constexpr double kZeroCelsius = 2731.0;
+
+double FromTenthsOfKelvin(double tenths) { return std::round(tenths - kZeroCelsius) / 10.0; }
+
+const UnitKind kUnits[] = {
+    // Sensor readings, shown as `sensors` shows them and named as
+    // node_exporter's hwmon collector names them.
+    {"Cel", Quantity::Number, {"°C", 1, true}, {"celsius", "degrees Celsius", "Cel"},
+     {"temperature", "Temperature sensor reading"}, {}, {"eapi", FromTenthsOfKelvin}},
+    {"V", Quantity::Number, {"V", 3}, {"volts", "volts", "V"},
+     {"voltage", "Voltage sensor reading"}},
+    {"A", Quantity::Number, {"A", 3}, {"amperes", "amperes", "A"},
+     {"current", "Current sensor reading"}},
+    {"RPM", Quantity::Number, {"RPM", 0}, {"rpm", "revolutions per minute", "1/min"},
+     {"fan", "Fan speed"}},
+    {"Hz", Quantity::Number, {}, {"hertz", "hertz", "Hz"}},
+    // The platform's counters.
+    {"hour", Quantity::Duration, {"hours"}, {"seconds", "seconds", "s", 3600.0}},
+    {"times", Quantity::Count, {}},
+    // A brightness step, and the network texts' numbers, which the text
+    // shows by itself: nothing to show after the value.
+    {"Step", Quantity::Number, {""}},
+    {"HEX", Quantity::HexText, {""}},
+    {"DEC", Quantity::DecimalText, {""}},
+    {"info", Quantity::None, {""}},
+    // Two states, each with its own words.
+    {"I/O", Quantity::Direction, {}, {}, {}, {"a direction", {"in", nullptr}, {"out", nullptr}, false}},
+    {"H/L", Quantity::Level, {}, {}, {}, {"a level", {"high", "active"}, {"low", "inactive"}, true}},
+    {"ON/OFF", Quantity::Switch, {}, {}, {}, {"an on/off state", {"on", "true"}, {"off", "false"}, true}},
 };
+
+const UnitKind kOther{"", Quantity::Number, {}};
 
 bool Among(const char* const (&words)[2], const char* digit, const std::string& word) {
     if (word == digit) {
@@ -28,7 +56,7 @@ bool Among(const char* const (&words)[2], const char* digit, const std::string& 
 
 }  // namespace
 
-const TwoStateKind kPlainTwoState = {"", "a two-state value", {nullptr, nullptr}, {nullptr, nullptr}};
+const TwoStateKind kPlainTwoState = {"a two-state value", {nullptr, nullptr}, {nullptr, nullptr}};
 
 std::optional<int> TwoStateKind::state(const std::string& word) const {
     // strcasecmp stops at a NUL, which a command-line word cannot hold.
@@ -52,13 +80,13 @@ std::string TwoStateKind::words() const {
     return text + "1/0";
 }
 
-const TwoStateKind* TwoStateKindOf(const std::string& unit) {
-    for (const TwoStateKind& kind : kTwoStateKinds) {
+const UnitKind& UnitKindOf(const std::string& unit) {
+    for (const UnitKind& kind : kUnits) {
         if (unit == kind.unit) {
-            return &kind;
+            return kind;
         }
     }
-    return nullptr;
+    return kOther;
 }
 
 }  // namespace voractl

@@ -50,13 +50,19 @@ std::string Number(double value) {
     return text;
 }
 
-// The SI suffix of a base unit, as the naming guide writes it.
-std::string UnitSuffix(const std::string& unit) {
-    static const std::map<std::string, std::string> kSuffixes = {
-        {"Cel", "_celsius"}, {"V", "_volts"}, {"A", "_amperes"}, {"RPM", "_rpm"},
-        {"Hz", "_hertz"}};
-    const auto found = kSuffixes.find(unit);
-    return found == kSuffixes.end() ? "" : found->second;
+// "_celsius": the unit's base unit as a metric's suffix, "" for none.
+std::string Suffix(const UnitKind& kind) {
+    return *kind.exported.metric != '\0' ? std::string("_") + kind.exported.metric : "";
+}
+
+// ", in degrees Celsius": the base unit for a help text, "" for none.
+std::string InWords(const UnitKind& kind) {
+    return *kind.exported.words != '\0' ? std::string(", in ") + kind.exported.words : "";
+}
+
+// "1 on, 0 off": what the samples of a two-state item say.
+std::string StateNumbers(const TwoStateKind& states) {
+    return std::string("1 ") + states.shown(1) + ", 0 " + states.shown(0);
 }
 
 // Drops a first word the metric's prefix already says: the network block's
@@ -69,70 +75,84 @@ std::string WithoutRepeat(const std::string& prefix, std::string name) {
     return name;
 }
 
+// A sensor as node_exporter names its kind's families, with its published
+// limits beside it; any other item by its group.
 Metric HardwareMonitorMetric(const Item& item) {
-    static const std::map<std::string, Metric> kSensors = {
-        {"Cel", {"voradrv_temperature_celsius", "Temperature sensor reading, in degrees Celsius.",
-                 "gauge", 1.0, "voradrv_temperature_max_celsius", "voradrv_temperature_min_celsius"}},
-        {"V", {"voradrv_voltage_volts", "Voltage sensor reading, in volts.", "gauge", 1.0,
-               "voradrv_voltage_max_volts", "voradrv_voltage_min_volts"}},
-        {"RPM", {"voradrv_fan_rpm", "Fan speed, in revolutions per minute.", "gauge", 1.0,
-                 "voradrv_fan_max_rpm", "voradrv_fan_min_rpm"}},
-        {"A", {"voradrv_current_amperes", "Current sensor reading, in amperes.", "gauge", 1.0,
-               "voradrv_current_max_amperes", "voradrv_current_min_amperes"}}};
-    const auto found = kSensors.find(item.unit);
-    if (found != kSensors.end()) {
-        return found->second;
+    const UnitKind& kind = item.kind();
+    if (kind.sensor.family != nullptr) {
+        const std::string family = std::string("voradrv_") + kind.sensor.family;
+        return {family + Suffix(kind), kind.sensor.help + InWords(kind) + ".", "gauge",
+                kind.exported.scale, family + "_max" + Suffix(kind), family + "_min" + Suffix(kind)};
     }
-    return {"voradrv_" + LabelName(item.group) + UnitSuffix(item.unit),
-            "Hardware monitor: " + item.group + (item.unit == "ON/OFF" ? ", 1 on, 0 off." : ".")};
+    const TwoStateKind* states = kind.twoState();
+    return {"voradrv_" + LabelName(item.group) + Suffix(kind),
+            "Hardware monitor: " + item.group + (states != nullptr ? ", " + StateNumbers(*states) : "") +
+                ".",
+            "gauge", kind.exported.scale};
 }
 
-Metric NumericMetric(const Item& item) {
-    if (item.block == "Hardware Monitor") {
-        return HardwareMonitorMetric(item);
+// The board's counters as counters; any other value by its name.
+Metric PlatformMetric(const Item& item) {
+    const UnitKind& kind = item.kind();
+    if (item.is(Quantity::Count)) {
+        return {"voradrv_boots_total", "Times the board has started (" + item.name + ").", "counter"};
     }
-    const std::string name = LabelName(item.name);
-    if (item.block == "Platform Information") {
-        if (item.unit == "times") {
-            return {"voradrv_boots_total", "Times the board has started (" + item.name + ").",
-                    "counter"};
-        }
-        if (item.unit == "hour") {
-            return {"voradrv_running_seconds_total",
-                    "Time the board has run, in seconds (" + item.name + ").", "counter", 3600.0};
-        }
-        return {"voradrv_platform_" + name, "Platform information: " + item.name + "."};
+    if (item.is(Quantity::Duration)) {
+        return {"voradrv_running" + Suffix(kind) + "_total",
+                std::string("Time the board has run, in ") + kind.exported.words + " (" + item.name + ").",
+                "counter", kind.exported.scale};
     }
-    if (item.block == "GPIO") {
-        if (item.unit == "H/L") {
-            return {"voradrv_gpio_level", "GPIO pin level: 1 high, 0 low."};
-        }
-        return {"voradrv_gpio_" + name + UnitSuffix(item.unit), "GPIO pin: " + item.name + "."};
+    return {"voradrv_platform_" + LabelName(item.name) + Suffix(kind),
+            "Platform information: " + item.name + ".", "gauge", kind.exported.scale};
+}
+
+Metric GpioMetric(const Item& item) {
+    const UnitKind& kind = item.kind();
+    if (item.is(Quantity::Level)) {
+        return {"voradrv_gpio_level", "GPIO pin level: " + StateNumbers(kind.states) + "."};
     }
-    if (item.block == "Backlight") {
-        if (item.unit == "ON/OFF" && item.name == "Backlight") {
-            return {"voradrv_backlight_enabled", "Backlight: 1 on, 0 off."};
-        }
-        return {"voradrv_backlight_" + name + UnitSuffix(item.unit),
-                "Backlight " + item.name + (item.unit == "Hz" ? ", in hertz." : ".")};
+    return {"voradrv_gpio_" + LabelName(item.name) + Suffix(kind), "GPIO pin: " + item.name + ".",
+            "gauge", kind.exported.scale};
+}
+
+Metric BacklightMetric(const Item& item) {
+    const UnitKind& kind = item.kind();
+    if (item.panelSwitch()) {
+        return {"voradrv_backlight_enabled", "Backlight: " + StateNumbers(kind.states) + "."};
     }
+    return {"voradrv_backlight_" + LabelName(item.name) + Suffix(kind),
+            "Backlight " + item.name + InWords(kind) + ".", "gauge", kind.exported.scale};
+}
+
+// An item of any other block, by its block and name.
+Metric BlockMetric(const Item& item) {
+    const UnitKind& kind = item.kind();
     const std::string prefix = "voradrv_" + LabelName(item.block);
-    return {prefix + "_" + WithoutRepeat(prefix, name) + UnitSuffix(item.unit),
-            item.block + ": " + item.name + "."};
+    return {prefix + "_" + WithoutRepeat(prefix, LabelName(item.name)) + Suffix(kind),
+            item.block + ": " + item.name + ".", "gauge", kind.exported.scale};
+}
+
+// Where a numeric reading goes, by its block: each names its items its own way.
+Metric NumericMetric(const Item& item) {
+    static const std::pair<Block, Metric (*)(const Item&)> kBlocks[] = {
+        {Block::HardwareMonitor, HardwareMonitorMetric},
+        {Block::Platform, PlatformMetric},
+        {Block::Gpio, GpioMetric},
+        {Block::Backlight, BacklightMetric}};
+    for (const auto& [block, metric] : kBlocks) {
+        if (item.in(block)) {
+            return metric(item);
+        }
+    }
+    return BlockMetric(item);
 }
 
 // The label that tells the groups of a block apart.
 std::string GroupLabel(const Item& item) {
-    if (item.block == "GPIO") {
-        return "pin";
-    }
-    if (item.block == "Backlight") {
-        return "panel";
-    }
-    return "group";
+    return item.in(Block::Gpio) ? "pin" : item.in(Block::Backlight) ? "panel" : "group";
 }
 
-class Exposition {
+class Families {
 public:
     void add(const std::string& name, const std::string& help, const std::string& type,
              std::string labels, const std::string& value, uint32_t id) {
@@ -189,6 +209,112 @@ std::string Label(const std::string& name, const std::string& value) {
     return name + "=\"" + Escaped(value) + "\"";
 }
 
+// The labels of a numeric item's samples.
+std::string SampleLabels(const Item& item) {
+    if (item.in(Block::HardwareMonitor)) {
+        return Label("sensor", item.name);
+    }
+    return item.group.empty() ? "" : Label(GroupLabel(item), item.group);
+}
+
+// The metrics of one reading of the board, added reading by reading.
+class Exposition {
+public:
+    void add(const Reading& reading) {
+        const Item& item = *reading.item;
+        if (published_.empty() || published_.back().first != item.block) {
+            published_.emplace_back(item.block, 0);
+        }
+        ++published_.back().second;
+        const json_t* value = reading.value.get();
+        if (value == nullptr) {
+            ++unreadable_;
+        } else if (json_is_string(value)) {
+            addText(item, json_string_value(value));
+        } else if (json_is_number(value) && item.in(Block::Gpio) && item.is(Quantity::Direction)) {
+            addDirection(item, json_number_value(value));
+        } else if (json_is_number(value)) {
+            addNumber(item, json_number_value(value));
+        }
+    }
+
+    // With the board's texts, the counts of what was read and published,
+    // and voractl's version after the readings.
+    std::string text() {
+        if (!board_.text().empty()) {
+            families_.add("voradrv_board_info", "Board strings of the platform information.", "gauge",
+                          board_.text(), "1", 0);
+        }
+        for (const auto& [first, labels] : groupInfo_) {
+            families_.add("voradrv_" + LabelName(first->block) + "_info",
+                          first->block + " texts, per " + GroupLabel(*first) + ".", "gauge",
+                          labels.text(), "1", first->id);
+        }
+        families_.add("voradrv_unreadable_items", "Items of the board that could not be read.",
+                      "gauge", "", std::to_string(unreadable_), 0);
+        // The module publishes only the items that answered when it started,
+        // so an item that failed then is missing for its whole life: a drop
+        // against the board's history is how it shows.
+        for (const auto& [block, count] : published_) {
+            families_.add("voradrv_published_items",
+                          "Items the module published for a block when it was initialised.",
+                          "gauge", Label("block", block), std::to_string(count), 0);
+        }
+        families_.add("voradrv_build_info",
+                      "The version of voractl that wrote these metrics; value 1.", "gauge",
+                      Label("version", VORACTL_VERSION), "1", 0);
+        return families_.text();
+    }
+
+private:
+    // A text becomes a label of the board's info metric, or of its block's
+    // per group.
+    void addText(const Item& item, const std::string& text) {
+        if (item.in(Block::Platform)) {
+            board_.add(LabelName(item.name), text);
+            return;
+        }
+        if (groupInfo_.empty() || groupInfo_.back().first->block != item.block ||
+            groupInfo_.back().first->group != item.group) {
+            groupInfo_.emplace_back(&item, InfoLabels{});
+            groupInfo_.back().second.add(GroupLabel(item), item.group);
+        }
+        const std::string prefix = "voradrv_" + LabelName(item.block);
+        groupInfo_.back().second.add(WithoutRepeat(prefix, LabelName(item.name)), text);
+    }
+
+    // A pin's direction as a state set: one sample per state, 1 for the pin's.
+    void addDirection(const Item& item, double number) {
+        for (const int state : {1, 0}) {
+            families_.add("voradrv_gpio_direction",
+                          "GPIO pin direction: 1 for the pin's direction, 0 for the other.", "gauge",
+                          Label("pin", item.group) + "," + Label("direction", item.kind().states.shown(state)),
+                          number == state ? "1" : "0", item.id);
+        }
+    }
+
+    void addNumber(const Item& item, double number) {
+        const Metric metric = NumericMetric(item);
+        const std::string labels = SampleLabels(item);
+        families_.add(metric.name, metric.help, metric.type, labels, Number(number * metric.scale),
+                      item.id);
+        if (!metric.maximum.empty() && item.maximum) {
+            families_.add(metric.maximum, "The sensor's published maximum.", "gauge", labels,
+                          Number(*item.maximum), item.id);
+        }
+        if (!metric.minimum.empty() && item.minimum) {
+            families_.add(metric.minimum, "The sensor's published minimum.", "gauge", labels,
+                          Number(*item.minimum), item.id);
+        }
+    }
+
+    Families families_;
+    InfoLabels board_;
+    std::vector<std::pair<const Item*, InfoLabels>> groupInfo_;  // per block and group, in order
+    int unreadable_ = 0;
+    std::vector<std::pair<std::string, int>> published_;  // items per block, in order
+};
+
 }  // namespace
 
 std::string LabelName(const std::string& name) {
@@ -212,86 +338,9 @@ std::string LabelName(const std::string& name) {
 
 std::string PrometheusText(const std::vector<Reading>& readings) {
     Exposition exposition;
-    InfoLabels board;
-    std::vector<std::pair<const Item*, InfoLabels>> groupInfo;  // per block and group, in order
-    int unreadable = 0;
-    std::vector<std::pair<std::string, int>> published;  // items per block, in order
     for (const Reading& reading : readings) {
-        const Item& item = *reading.item;
-        if (published.empty() || published.back().first != item.block) {
-            published.emplace_back(item.block, 0);
-        }
-        ++published.back().second;
-        if (!reading.value) {
-            ++unreadable;
-            continue;
-        }
-        const json_t* value = reading.value.get();
-        if (json_is_string(value)) {
-            if (item.block == "Platform Information") {
-                board.add(LabelName(item.name), json_string_value(value));
-                continue;
-            }
-            if (groupInfo.empty() || groupInfo.back().first->block != item.block ||
-                groupInfo.back().first->group != item.group) {
-                groupInfo.emplace_back(&item, InfoLabels{});
-                groupInfo.back().second.add(GroupLabel(item), item.group);
-            }
-            const std::string prefix = "voradrv_" + LabelName(item.block);
-            groupInfo.back().second.add(WithoutRepeat(prefix, LabelName(item.name)),
-                                        json_string_value(value));
-            continue;
-        }
-        if (!json_is_number(value)) {
-            continue;
-        }
-        const double number = json_number_value(value);
-        if (item.block == "GPIO" && item.unit == "I/O") {
-            // The direction as a state set: one sample per state, 1 for the pin's.
-            for (const auto& [state, one] : {std::pair{"in", 1.0}, std::pair{"out", 0.0}}) {
-                exposition.add("voradrv_gpio_direction",
-                               "GPIO pin direction: 1 for the pin's direction, 0 for the other.",
-                               "gauge", Label("pin", item.group) + "," + Label("direction", state),
-                               number == one ? "1" : "0", item.id);
-            }
-            continue;
-        }
-        const Metric metric = NumericMetric(item);
-        const std::string labels = item.block == "Hardware Monitor" ? Label("sensor", item.name)
-                                   : item.group.empty()             ? ""
-                                                        : Label(GroupLabel(item), item.group);
-        exposition.add(metric.name, metric.help, metric.type, labels,
-                       Number(number * metric.scale), item.id);
-        if (!metric.maximum.empty() && item.maximum) {
-            exposition.add(metric.maximum, "The sensor's published maximum.", "gauge", labels,
-                           Number(*item.maximum), item.id);
-        }
-        if (!metric.minimum.empty() && item.minimum) {
-            exposition.add(metric.minimum, "The sensor's published minimum.", "gauge", labels,
-                           Number(*item.minimum), item.id);
-        }
+        exposition.add(reading);
     }
-    if (!board.text().empty()) {
-        exposition.add("voradrv_board_info", "Board strings of the platform information.",
-                       "gauge", board.text(), "1", 0);
-    }
-    for (const auto& [first, labels] : groupInfo) {
-        const std::string name = "voradrv_" + LabelName(first->block) + "_info";
-        exposition.add(name, first->block + " texts, per " + GroupLabel(*first) + ".", "gauge",
-                       labels.text(), "1", first->id);
-    }
-    exposition.add("voradrv_unreadable_items", "Items of the board that could not be read.",
-                   "gauge", "", std::to_string(unreadable), 0);
-    // The module publishes only the items that answered when it started, so
-    // an item that failed then is missing for its whole life: a drop against
-    // the board's history is how it shows.
-    for (const auto& [block, count] : published) {
-        exposition.add("voradrv_published_items",
-                       "Items the module published for a block when it was initialised.", "gauge",
-                       Label("block", block), std::to_string(count), 0);
-    }
-    exposition.add("voradrv_build_info", "The version of voractl that wrote these metrics; value 1.",
-                   "gauge", Label("version", VORACTL_VERSION), "1", 0);
     return exposition.text();
 }
 

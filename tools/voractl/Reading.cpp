@@ -4,6 +4,7 @@
 
 #include "Format.h"
 #include "Printable.h"
+#include "Table.h"
 
 namespace voractl {
 
@@ -20,7 +21,7 @@ json_t* ReadingJson(const Reading& reading) {
     json_t* record = json_pack("{s:I, s:s, s:s, s:s, s:s, s:s, s:s}", "id",
                                static_cast<json_int_t>(item.id), "path", item.path().c_str(),
                                "block", item.block.c_str(), "group", item.group.c_str(), "name",
-                               item.name.c_str(), "unit", item.unit == "info" ? "" : item.unit.c_str(), "access",
+                               item.name.c_str(), "unit", item.is(Quantity::None) ? "" : item.unit.c_str(), "access",
                                item.access.c_str());
     if (record == nullptr) {
         throw ToolError("cannot build the JSON record of " + Printable(item.path()));
@@ -84,6 +85,29 @@ json_t* RecordsJson(const std::vector<Reading>& readings) {
         json_array_append_new(array, ReadingJson(reading));  // the array takes the record
     }
     return array;
+}
+
+json_t* ShownRecordsJson(const std::vector<Reading>& readings) {
+    json_t* records = RecordsJson(readings);
+    for (size_t i = 0; i < readings.size(); ++i) {
+        json_t* record = json_array_get(records, i);
+        const Item& item = *readings[i].item;
+        json_object_set_new(record, "text", json_string(ShownValue(readings[i]).c_str()));
+        const std::string limits = LimitsText(item);
+        if (!limits.empty()) {
+            json_object_set_new(record, "limits", json_string(limits.c_str()));
+        }
+        const std::string symbol = UnitText(item.unit);
+        if (item.kind().twoState() != nullptr) {
+            json_object_set_new(record, "two_state", json_true());
+        } else if (!symbol.empty()) {
+            json_object_set_new(record, "symbol", json_string(symbol.c_str()));
+        }
+        if (item.kind().twoState() == nullptr && item.kind().shown.decimals >= 0) {
+            json_object_set_new(record, "decimals", json_integer(item.kind().shown.decimals));
+        }
+    }
+    return records;
 }
 
 }  // namespace voractl

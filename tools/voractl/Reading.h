@@ -35,6 +35,12 @@ std::string ShownValue(const Reading& reading);
 json_t* ReadingJson(const Reading& reading);
 // An array of the readings' records. The caller owns it.
 json_t* RecordsJson(const std::vector<Reading>& readings);
+// The same, each record with what a page needs to show it as voractl does:
+// "text" (the value as voractl shows it), "limits" (as voractl list shows
+// them) for a ranged number, and for drawing its history "two_state" for a
+// two-state item, else "symbol" (its unit's, when it shows one) and
+// "decimals" (when its unit has a fixed number of them). The caller owns it.
+json_t* ShownRecordsJson(const std::vector<Reading>& readings);
 
 // A JSON document on one line; throws ToolError when jansson cannot write it.
 std::string JsonText(const json_t* json);

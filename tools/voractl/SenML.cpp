@@ -1,6 +1,5 @@
 #include "SenML.h"
 
-#include <map>
 #include <set>
 
 #include "Format.h"
@@ -13,7 +12,7 @@ namespace {
 std::string BoardText(const std::vector<Reading>& readings, const std::string& name) {
     for (const Reading& reading : readings) {
         if (reading.value && json_is_string(reading.value.get()) &&
-            reading.item->block == "Platform Information" && reading.item->name == name) {
+            reading.item->in(Block::Platform) && reading.item->name == name) {
             return json_string_value(reading.value.get());
         }
     }
@@ -43,21 +42,15 @@ bool SetValue(json_t* record, const Item& item, const json_t* value) {
         return false;
     }
     const double number = json_number_value(value);
-    if (item.unit == "H/L" || item.unit == "ON/OFF") {
-        json_object_set_new(record, "vb", json_boolean(number != 0.0));
-        return true;
-    }
-    if (item.unit == "I/O") {
-        json_object_set_new(record, "vs", json_string(number != 0.0 ? "in" : "out"));
-        return true;
-    }
-    static const std::map<std::string, std::pair<const char*, double>> kUnits = {
-        {"Cel", {"Cel", 1.0}}, {"V", {"V", 1.0}},     {"A", {"A", 1.0}},
-        {"Hz", {"Hz", 1.0}},   {"RPM", {"1/min", 1.0}}, {"hour", {"s", 3600.0}}};
-    const auto unit = kUnits.find(item.unit);
-    if (unit != kUnits.end()) {
-        json_object_set_new(record, "u", json_string(unit->second.first));
-        json_object_set_new(record, "v", json_real(number * unit->second.second));
+    const UnitKind& kind = item.kind();
+    if (const TwoStateKind* states = kind.twoState()) {
+        // A level or switch is true or false; a direction is its word.
+        json_object_set_new(record, states->boolean ? "vb" : "vs",
+                            states->boolean ? json_boolean(number != 0.0)
+                                            : json_string(states->shown(number != 0.0 ? 1 : 0)));
+    } else if (kind.exported.senml != nullptr) {
+        json_object_set_new(record, "u", json_string(kind.exported.senml));
+        json_object_set_new(record, "v", json_real(number * kind.exported.scale));
     } else {
         json_object_set_new(record, "v", json_deep_copy(value));
     }

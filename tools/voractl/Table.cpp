@@ -53,7 +53,7 @@ bool PinAt(const std::vector<TableRow>& rows, size_t i, Pin& pin) {
     }
     const Item& a = *rows[i].item;
     const Item& b = *rows[i + 1].item;
-    if (a.block != "GPIO" || a.unit != "I/O" || b.unit != "H/L" || a.group != b.group ||
+    if (!a.in(Block::Gpio) || !a.is(Quantity::Direction) || !b.is(Quantity::Level) || a.group != b.group ||
         (a.id & 0xFF) != (b.id & 0xFF)) {
         return false;
     }
@@ -96,7 +96,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
         alarms = alarms || row.alarm;
         idWidth = std::max(idWidth, IdText(row.item->id).size());
         nameWidth = std::max(nameWidth, DisplayWidth(Printable(row.item->name)));
-        if (columns.pins && row.item->block == "GPIO") {
+        if (columns.pins && row.item->in(Block::Gpio)) {
             nameWidth = std::max(nameWidth, DisplayWidth(Printable(row.item->group)));
         }
         valueWidth = std::max(valueWidth, std::min(DisplayWidth(row.value), kWidestValue));

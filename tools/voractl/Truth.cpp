@@ -1,31 +1,33 @@
 #include "Truth.h"
 
-#include <cmath>
-
 namespace voractl {
 
 namespace {
 
-// 0 °C in the Embedded API's tenths of a kelvin.
-constexpr double kZeroCelsius = 2731.0;
+// On an Embedded API library a panel's on/off reads 0 for a lit panel.
+bool Inverted(const std::string& generation, const Item& item) {
+    return generation == "eapi" && item.panelSwitch();
+}
 
-bool Temperature(const Item& item) { return item.block == "Hardware Monitor" && item.unit == "Cel"; }
-
-bool PanelOnOff(const Item& item) { return item.block == "Backlight" && item.name == "Backlight"; }
+// A unit the module gives in the library's own unit on this library.
+bool Converted(const std::string& generation, const Item& item) {
+    const Conversion& conversion = item.kind().conversion;
+    return conversion.generation != nullptr && generation == conversion.generation;
+}
 
 }  // namespace
 
 bool Truth::converts(const Item& item) const {
-    return !raw_ && generation_ == "eapi" && (Temperature(item) || PanelOnOff(item));
+    return !raw_ && (Converted(generation_, item) || Inverted(generation_, item));
 }
 
 JsonPtr Truth::shown(const Item& item, const json_t* read) const {
     if (converts(item) && json_is_number(read)) {
         const double value = json_number_value(read);
-        if (Temperature(item)) {
-            return Own(json_real(std::round(value - kZeroCelsius) / 10.0));
+        if (Inverted(generation_, item)) {
+            return Own(json_integer(value == 0.0 ? 1 : 0));  // the library says 0 for on
         }
-        return Own(json_integer(value == 0.0 ? 1 : 0));  // the library says 0 for on
+        return Own(json_real(item.kind().conversion.toTrue(value)));
     }
     return Own(json_deep_copy(read));
 }

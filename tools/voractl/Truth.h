@@ -2,7 +2,8 @@
 // answers, in the library's own units and senses; voractl, which people and
 // fleets read, shows what the board really does. On an Embedded API library
 // that means:
-// - temperatures, answered in tenths of a kelvin, shown in degrees Celsius;
+// - temperatures, answered in tenths of a kelvin, shown in degrees Celsius
+//   (the units table says which unit a library gives in another);
 // - a panel's on/off, which reads 0 for a lit panel, shown as 1 for on.
 // Every other value is the module's. With `raw`, all values are the module's.
 #pragma once

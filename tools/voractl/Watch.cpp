@@ -275,7 +275,7 @@ int Watch(Context& context) {
         items = SelectAll(context.session.items(), selectors);
     } else {
         for (const Item& item : context.session.items()) {
-            if (item.block == "Hardware Monitor") {
+            if (item.in(Block::HardwareMonitor)) {
                 items.push_back(item);
             }
         }

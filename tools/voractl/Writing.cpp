@@ -110,14 +110,15 @@ std::string Forbidden(const Item& item, const json_t* value) {
 // An address text's numbers ("192.168.001.010" and "192.168.1.10" alike);
 // a MAC address's in any case.
 std::string Canonical(const Item& item, const std::string& text) {
-    if (item.unit != "DEC" && item.unit != "HEX") {
+    const int base = item.is(Quantity::HexText) ? 16 : item.is(Quantity::DecimalText) ? 10 : 0;
+    if (base == 0) {
         return text;
     }
     std::string canonical;
     std::string part;
     for (size_t i = 0; i <= text.size(); ++i) {
         if (i == text.size() || text[i] == '.' || text[i] == ':') {
-            canonical += std::to_string(std::strtoul(part.c_str(), nullptr, item.unit == "HEX" ? 16 : 10)) + ".";
+            canonical += std::to_string(std::strtoul(part.c_str(), nullptr, base)) + ".";
             part.clear();
         } else {
             part += text[i];

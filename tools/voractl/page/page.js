@@ -16,8 +16,6 @@ const WIDE = 600;
 const MANY_ITEMS = 100;
 const SHORT_BLOCK = 12;
 const KEEP = 300;         // points per chart, as many samples as the exporter keeps
-const TWO_STATE = ["I/O", "H/L", "ON/OFF"];
-const SYMBOLS = { Cel: "°C" };
 const SVG = "http://www.w3.org/2000/svg";
 
 let state;
@@ -54,16 +52,17 @@ function clock(seconds) {
   return new Date(seconds * 1000).toLocaleTimeString([], { hour12: false });
 }
 
-// An axis value: as many decimals as voractl gives the unit, and its symbol.
-function axis(value, unit) {
-  const digits = { V: 3, A: 3, Cel: 1 }[unit] ?? (Math.abs(value) < 10 ? 2 : 0);
-  return value.toFixed(digits) + (unit ? " " + (SYMBOLS[unit] || unit) : "");
+// An axis value as voractl shows the record's values: its unit's decimals
+// and symbol, both from the exporter.
+function axis(value, record) {
+  const digits = record.decimals ?? (Math.abs(value) < 10 ? 2 : 0);
+  return value.toFixed(digits) + (record.symbol ? " " + record.symbol : "");
 }
 
 // What a record is drawn as, from its element's hints.
 function widgetOf(record, element) {
   if (element && element.sui === "Chart") {
-    return TWO_STATE.includes(record.unit) ? "strip" : "chart";
+    return record.two_state ? "strip" : "chart";
   }
   return element && element.ui === "TextBox" ? "textbox" : "label";
 }
@@ -132,8 +131,8 @@ function drawLine(chart) {
     line.setAttribute("y2", shown ? y(value) : "0");
   }
   Object.assign(chart.node.dataset, { low: String(low), high: String(high) });
-  chart.labels.high.textContent = axis(high, chart.record.unit);
-  chart.labels.low.textContent = axis(low, chart.record.unit);
+  chart.labels.high.textContent = axis(high, chart.record);
+  chart.labels.low.textContent = axis(low, chart.record);
 }
 
 // A two-state item: a strip coloured by its state, a band per stretch of
