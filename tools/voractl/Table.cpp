@@ -43,8 +43,8 @@ std::string Limits(const Item& item) {
 // A GPIO pin's two rows, direction then level, as one: its number and name,
 // both values, and which of them cannot be set.
 struct Pin {
-    const TableRow* direction;
-    const TableRow* level;
+    const TableRow* direction = nullptr;
+    const TableRow* level = nullptr;
 };
 
 bool PinAt(const std::vector<TableRow>& rows, size_t i, Pin& pin) {
@@ -67,6 +67,94 @@ std::string PinMarks(const Pin& pin) {
     return fixed && readOnly ? "read-only" : fixed ? "fixed direction" : readOnly ? "level read-only" : "";
 }
 
+// "read-only", and the other names of a shared id.
+std::string AccessMarks(const Item& item) {
+    std::string marks = AccessText(item.access);
+    if (!item.sharing.empty()) {
+        std::string names;
+        for (const std::string& other : item.sharing) {
+            names += (names.empty() ? "" : ", ") + Printable(other);
+        }
+        marks += std::string(marks.empty() ? "" : ", ") + "id shared with " + names;
+    }
+    return marks;
+}
+
+// The widths of the table's columns, over all its rows.
+struct Widths {
+    size_t id = 0;
+    size_t name = 0;
+    size_t value = 0;
+    size_t limits = 0;
+    bool alarms = false;  // a column for the marks of alarms
+};
+
+Widths Measure(const std::vector<TableRow>& rows, const TableColumns& columns) {
+    Widths widths;
+    for (const TableRow& row : rows) {
+        widths.alarms = widths.alarms || row.alarm;
+        widths.id = std::max(widths.id, IdText(row.item->id).size());
+        widths.name = std::max(widths.name, DisplayWidth(Printable(row.item->name)));
+        if (columns.pins && row.item->in(Block::Gpio)) {
+            widths.name = std::max(widths.name, DisplayWidth(Printable(row.item->group)));
+        }
+        widths.value = std::max(widths.value, std::min(DisplayWidth(row.value), kWidestValue));
+        widths.limits = std::max(widths.limits, DisplayWidth(Limits(*row.item)));
+    }
+    return widths;
+}
+
+std::string Trimmed(std::string line) {
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
+// "      0  DI0    in   high   read-only": a pin as gpioinfo shows a line.
+std::string PinLine(const Pin& pin, const Widths& widths, const Style& style) {
+    const Item& item = *pin.direction->item;
+    const std::string number = std::to_string((item.id & 0xFF) - 1);
+    const std::string name = Printable(item.group);
+    std::string line = "    " + std::string(3 - std::min<size_t>(3, number.size()), ' ') + number +
+                       "  " + Padded(name, name, widths.name) + "  " +
+                       Padded(pin.direction->value, pin.direction->value, 3) + "  " +
+                       Padded(pin.level->value, pin.level->value, 5);
+    const std::string marks = PinMarks(pin);
+    line += pin.direction->alarm || pin.level->alarm ? "  " + style.failed("ALARM") : "";
+    line += marks.empty() ? "" : "  " + style.dim(marks);
+    return Trimmed(line);
+}
+
+// "    0x1020201  VCORE  1.050 V  (min = 0.000 V, max = 50.000 V)  read-only"
+std::string ItemLine(const TableRow& row, const TableColumns& columns, const Widths& widths,
+                     const Style& style) {
+    const Item& item = *row.item;
+    std::string line = "    ";
+    if (columns.id) {
+        const std::string id = IdText(item.id);
+        line += Padded(style.dim(id), id, widths.id) + "  ";
+    }
+    const std::string name = Printable(item.name);
+    line += Padded(name, name, widths.name) + "  ";
+    const std::string value = row.failed    ? style.failed(row.value)
+                              : row.changed ? style.changed(row.value)
+                                            : row.value;
+    line += Padded(value, row.value, widths.value);
+    if (columns.changed) {
+        line += row.changed ? " *" : "  ";
+    }
+    if (columns.limits && widths.limits > 0) {
+        const std::string limits = Limits(item);
+        line += "  " + Padded(limits, limits, widths.limits);
+    }
+    // After the limits, as `sensors` marks a reading outside them.
+    if (widths.alarms) {
+        line += row.alarm ? "  " + style.failed("ALARM") : "       ";
+    }
+    const std::string marks = columns.access ? AccessMarks(item) : "";
+    line += marks.empty() ? "" : "  " + style.dim(marks);
+    return Trimmed(line);
+}
+
 }  // namespace
 
 size_t DisplayWidth(const std::string& text) {
@@ -87,46 +175,22 @@ std::vector<TableRow> TableRows(const std::vector<Reading>& readings) {
 
 std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const TableColumns& columns,
                                    const Style& style) {
-    size_t idWidth = 0;
-    size_t nameWidth = 0;
-    size_t valueWidth = 0;
-    size_t limitsWidth = 0;
-    bool alarms = false;
-    for (const TableRow& row : rows) {
-        alarms = alarms || row.alarm;
-        idWidth = std::max(idWidth, IdText(row.item->id).size());
-        nameWidth = std::max(nameWidth, DisplayWidth(Printable(row.item->name)));
-        if (columns.pins && row.item->in(Block::Gpio)) {
-            nameWidth = std::max(nameWidth, DisplayWidth(Printable(row.item->group)));
-        }
-        valueWidth = std::max(valueWidth, std::min(DisplayWidth(row.value), kWidestValue));
-        limitsWidth = std::max(limitsWidth, DisplayWidth(Limits(*row.item)));
-    }
+    const Widths widths = Measure(rows, columns);
     std::vector<std::string> lines;
     const Item* previous = nullptr;
     for (size_t i = 0; i < rows.size(); ++i) {
-        const TableRow& row = rows[i];
-        const Item& item = *row.item;
+        const Item& item = *rows[i].item;
+        Pin pin;
+        const bool pinRow = columns.pins && PinAt(rows, i, pin);
         if (previous == nullptr || previous->block != item.block) {
             lines.push_back(style.heading(item.block.empty() ? "Other items" : Printable(item.block)));
             previous = nullptr;
-            Pin pin;
-            if (columns.pins && PinAt(rows, i, pin)) {
-                lines.push_back(style.dim("    pin  " + Padded("name", "name", nameWidth) + "  dir  level"));
+            if (pinRow) {
+                lines.push_back(style.dim("    pin  " + Padded("name", "name", widths.name) + "  dir  level"));
             }
         }
-        Pin pin;
-        if (columns.pins && PinAt(rows, i, pin)) {
-            const std::string number = std::to_string((item.id & 0xFF) - 1);
-            std::string line = "    " + std::string(3 - std::min<size_t>(3, number.size()), ' ') +
-                               number + "  " + Padded(Printable(item.group), Printable(item.group), nameWidth) + "  " +
-                               Padded(pin.direction->value, pin.direction->value, 3) + "  " +
-                               Padded(pin.level->value, pin.level->value, 5);
-            const std::string marks = PinMarks(pin);
-            line += pin.direction->alarm || pin.level->alarm ? "  " + style.failed("ALARM") : "";
-            line += marks.empty() ? "" : "  " + style.dim(marks);
-            line.erase(line.find_last_not_of(' ') + 1);
-            lines.push_back(line);
+        if (pinRow) {
+            lines.push_back(PinLine(pin, widths, style));
             previous = pin.level->item;
             ++i;
             continue;
@@ -135,42 +199,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
             lines.push_back("  " + style.subheading(Printable(item.group)));
         }
         previous = &item;
-
-        std::string line = "    ";
-        if (columns.id) {
-            const std::string id = IdText(item.id);
-            line += Padded(style.dim(id), id, idWidth) + "  ";
-        }
-        const std::string name = Printable(item.name);
-        line += Padded(name, name, nameWidth) + "  ";
-        const std::string value = row.failed    ? style.failed(row.value)
-                                  : row.changed ? style.changed(row.value)
-                                                : row.value;
-        line += Padded(value, row.value, valueWidth);
-        if (columns.changed) {
-            line += row.changed ? " *" : "  ";
-        }
-        if (columns.limits && limitsWidth > 0) {
-            const std::string limits = Limits(item);
-            line += "  " + Padded(limits, limits, limitsWidth);
-        }
-        // After the limits, as `sensors` marks a reading outside them.
-        if (alarms) {
-            line += row.alarm ? "  " + style.failed("ALARM") : "       ";
-        }
-        if (columns.access) {
-            std::string access = AccessText(item.access);
-            if (!item.sharing.empty()) {
-                std::string names;
-                for (const std::string& other : item.sharing) {
-                    names += (names.empty() ? "" : ", ") + Printable(other);
-                }
-                access += std::string(access.empty() ? "" : ", ") + "id shared with " + names;
-            }
-            line += access.empty() ? "" : "  " + style.dim(access);
-        }
-        line.erase(line.find_last_not_of(' ') + 1);
-        lines.push_back(line);
+        lines.push_back(ItemLine(rows[i], columns, widths, style));
     }
     return lines;
 }
