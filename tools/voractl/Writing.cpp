@@ -36,45 +36,45 @@ std::string Number(double value) {
     return text;
 }
 
-// The true value `text` stands for on `item`, its present value (read
-// when the text is relative) at hand; a refusal when it is not one.
-JsonPtr Parse(Session& session, const Item& item, const std::string& text, bool force,
-              std::string& refusal) {
-    const auto refuse = [&](const std::string& why) {
-        refusal = why;
-        return Own(nullptr);
-    };
-    if (item.type == JSON_STRING) {
-        return Own(json_string(text.c_str()));
+// A refusal: no value, and why.
+JsonPtr Refuse(std::string& refusal, const std::string& why) {
+    refusal = why;
+    return Own(nullptr);
+}
+
+JsonPtr ParseReal(const std::string& text, std::string& refusal) {
+    char* end = nullptr;
+    errno = 0;
+    const double value = std::strtod(text.c_str(), &end);
+    if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(value)) {
+        return Refuse(refusal, "\"" + text + "\" is not a number");
     }
-    if (item.type == JSON_REAL) {
-        char* end = nullptr;
-        errno = 0;
-        const double value = std::strtod(text.c_str(), &end);
-        if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(value)) {
-            return refuse("\"" + text + "\" is not a number");
-        }
-        return Own(json_real(value));
+    return Own(json_real(value));
+}
+
+// A two-state item takes the words of its own kind, never another's; with
+// --force, any integer too.
+JsonPtr ParseState(const TwoStateKind& kind, const std::string& text, bool force,
+                   std::string& refusal) {
+    long long number = 0;
+    if (const std::optional<int> state = kind.state(text)) {
+        number = *state;
+    } else if (!force || !ParseInteger(text, number)) {
+        return Refuse(refusal, "\"" + text + "\" is not " + kind.name + " (" + kind.words() + ")" +
+                                   (force ? " nor an integer" : ""));
     }
-    // A two-state item takes the words of its own kind, never another's;
-    // with --force, any integer too.
-    if (const TwoStateKind* kind = item.twoStateKind()) {
-        long long number = 0;
-        if (const std::optional<int> state = kind->state(text)) {
-            number = *state;
-        } else if (!force || !ParseInteger(text, number)) {
-            return refuse("\"" + text + "\" is not " + kind->name + " (" + kind->words() + ")" +
-                          (force ? " nor an integer" : ""));
-        }
-        return Own(json_integer(number));
-    }
-    // A ranged number may be a share of its range (50%) or relative to its
-    // present value (+10%, -10), as brightnessctl takes brightness.
+    return Own(json_integer(number));
+}
+
+// An integer; for a ranged one also a share of its range (50%) or a step
+// from its present value (+10%, -10), as brightnessctl takes brightness.
+JsonPtr ParseNumber(Session& session, const Item& item, const std::string& text, bool force,
+                    std::string& refusal) {
     const bool relative = item.ranged() && !text.empty() && (text[0] == '+' || text[0] == '-');
     const bool percent = item.ranged() && !text.empty() && text.back() == '%';
     long long number = 0;
     if (!ParseInteger(percent ? text.substr(0, text.size() - 1) : text, number)) {
-        return refuse("\"" + text + "\" is not an integer");
+        return Refuse(refusal, "\"" + text + "\" is not an integer");
     }
     const double span = item.ranged() ? *item.maximum - *item.minimum : 0.0;
     double value = percent ? std::round(span * static_cast<double>(number) / 100.0)
@@ -84,15 +84,31 @@ JsonPtr Parse(Session& session, const Item& item, const std::string& text, bool 
     } else if (relative) {
         const Reading present = session.read(item);
         if (!present.value) {
-            return refuse("its present value cannot be read (" + StatusText(present.status) + ")");
+            return Refuse(refusal, "its present value cannot be read (" + StatusText(present.status) + ")");
         }
         value += json_number_value(present.value.get());
     }
     // A range the document publishes is checked with the rest (Forbidden).
     if (!force && !item.ranged() && (value < 0 || value > 4294967295.0)) {
-        return refuse(Number(value) + " does not fit the item's 32-bit range");
+        return Refuse(refusal, Number(value) + " does not fit the item's 32-bit range");
     }
     return Own(json_integer(static_cast<json_int_t>(value)));
+}
+
+// The true value `text` stands for on `item`, its present value (read
+// when the text is relative) at hand; a refusal when it is not one.
+JsonPtr Parse(Session& session, const Item& item, const std::string& text, bool force,
+              std::string& refusal) {
+    if (item.type == JSON_STRING) {
+        return Own(json_string(text.c_str()));
+    }
+    if (item.type == JSON_REAL) {
+        return ParseReal(text, refusal);
+    }
+    if (const TwoStateKind* kind = item.twoStateKind()) {
+        return ParseState(*kind, text, force, refusal);
+    }
+    return ParseNumber(session, item, text, force, refusal);
 }
 
 // What the document forbids of writing `value` to `item`, or "".
@@ -171,85 +187,94 @@ json_t* Record(const Reading& reading, const Planned& planned, const char* outco
     return record;
 }
 
+// NAME=VALUE as it is to be written: the item, the true value, and, when it
+// may not be written, why (also said on standard error).
+Planned Plan(Session& session, const Options& options, const std::string& selector,
+             const std::string& text) {
+    Planned planned;
+    planned.item = Select(session.items(), selector, false, options.type.has_value()).items.front();
+    planned.text = text;
+    if (options.type) {
+        if (*options.type != planned.item.type && !options.force && !planned.item.block.empty()) {
+            planned.refusal = "the document publishes it as another type (--force writes it anyway)";
+        }
+        planned.item.type = *options.type;
+    }
+    if (planned.item.block.empty() && !options.force) {
+        planned.refusal = "the capability document does not publish it, so nothing can check "
+                          "the value (--force writes it anyway)";
+    }
+    if (planned.refusal.empty()) {
+        planned.value = Parse(session, planned.item, text, options.force, planned.refusal);
+    }
+    if (planned.refusal.empty() && !options.force) {
+        planned.refusal = Forbidden(planned.item, planned.value.get());
+    }
+    if (!planned.refusal.empty()) {
+        std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", Printable(planned.item.path()).c_str(),
+                     Printable(text).c_str(), Printable(planned.refusal).c_str());
+    }
+    return planned;
+}
+
+// Writes a planned value and reads it back: its record, with how it went.
+// Only a write that reads back as written succeeds; one of an id outside
+// the document may have nothing to read.
+json_t* Write(Session& session, const Planned& planned, int& exitStatus) {
+    const Item& item = planned.item;
+    JsonPtr sent = session.truth().toModule(item, planned.value.get());
+    const uint32_t status = session.write(item, sent.get());
+    const Reading back = session.read(item);
+    std::string reason;
+    const char* outcome = "written";
+    if (status != VORADRV_STATUS_SUCCESS) {
+        outcome = "failed";
+        reason = StatusText(status);
+        std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", Printable(item.path()).c_str(),
+                     Printable(planned.text).c_str(), reason.c_str());
+    } else if (!back.value) {
+        outcome = "unverified";
+        reason = "it cannot be read back: " + StatusText(back.status);
+        std::fprintf(stderr, "voractl: set %s to %s, but %s\n", Printable(item.path()).c_str(),
+                     Printable(planned.text).c_str(), reason.c_str());
+    } else if (!Same(item, planned.value.get(), back.value.get())) {
+        outcome = "differs";
+        reason = "wrote " + DisplayValue(planned.value.get(), item.unit) + ", the board reads " +
+                 DisplayValue(back.value.get(), item.unit);
+        std::fprintf(stderr, "voractl: %s: %s\n", Printable(item.path()).c_str(), Printable(reason).c_str());
+    }
+    if (std::strcmp(outcome, "written") != 0 &&
+        !(std::strcmp(outcome, "unverified") == 0 && item.block.empty())) {
+        exitStatus = 1;
+    }
+    return Record(back, planned, outcome, reason);
+}
+
 }  // namespace
 
 int Set(Context& context) {
     Session& session = context.session;
-    const Options& options = context.options;
     std::vector<Planned> plan;
     bool refused = false;
-    for (const auto& [selector, text] : Assignments(options.arguments)) {
-        Planned planned;
-        planned.item = Select(session.items(), selector, false, options.type.has_value()).items.front();
-        planned.text = text;
-        if (options.type) {
-            const json_type type = *options.type;
-            if (type != planned.item.type && !options.force && !planned.item.block.empty()) {
-                planned.refusal = "the document publishes it as another type (--force writes it anyway)";
-            }
-            planned.item.type = type;
-        }
-        if (planned.item.block.empty() && !options.force) {
-            planned.refusal = "the capability document does not publish it, so nothing can check "
-                              "the value (--force writes it anyway)";
-        }
-        if (planned.refusal.empty()) {
-            planned.value = Parse(session, planned.item, text, options.force, planned.refusal);
-        }
-        if (planned.refusal.empty() && !options.force) {
-            planned.refusal = Forbidden(planned.item, planned.value.get());
-        }
-        if (!planned.refusal.empty()) {
-            std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n",
-                         Printable(planned.item.path()).c_str(), Printable(text).c_str(),
-                         Printable(planned.refusal).c_str());
-            refused = true;
-        }
-        plan.push_back(std::move(planned));
+    for (const auto& [selector, text] : Assignments(context.options.arguments)) {
+        plan.push_back(Plan(session, context.options, selector, text));
+        refused = refused || !plan.back().refusal.empty();
     }
+    // One value refused, none is written.
     JsonPtr records = Own(json_array());
     int exitStatus = refused ? 1 : 0;
     for (const Planned& planned : plan) {
-        const Item& item = planned.item;
         if (refused) {
             Reading none;
-            none.item = &item;
+            none.item = &planned.item;
             json_array_append_new(records.get(),
                                   Record(none, planned, planned.refusal.empty() ? "not written" : "refused",
                                          planned.refusal));
-            continue;
+        } else {
+            json_array_append_new(records.get(), Write(session, planned, exitStatus));
         }
-        JsonPtr sent = session.truth().toModule(item, planned.value.get());
-        const uint32_t status = session.write(item, sent.get());
-        const Reading back = session.read(item);
-        std::string reason;
-        const char* outcome = "written";
-        if (status != VORADRV_STATUS_SUCCESS) {
-            outcome = "failed";
-            reason = StatusText(status);
-            std::fprintf(stderr, "voractl: cannot set %s to %s: %s\n", Printable(item.path()).c_str(),
-                         Printable(planned.text).c_str(), reason.c_str());
-        } else if (!back.value) {
-            outcome = "unverified";
-            reason = "it cannot be read back: " + StatusText(back.status);
-            std::fprintf(stderr, "voractl: set %s to %s, but %s\n", Printable(item.path()).c_str(),
-                         Printable(planned.text).c_str(), reason.c_str());
-        } else if (!Same(item, planned.value.get(), back.value.get())) {
-            outcome = "differs";
-            reason = "wrote " + DisplayValue(planned.value.get(), item.unit) + ", the board reads " +
-                     DisplayValue(back.value.get(), item.unit);
-            std::fprintf(stderr, "voractl: %s: %s\n", Printable(item.path()).c_str(),
-                         Printable(reason).c_str());
-        }
-        // Only a write that reads back as written succeeds; one of an id
-        // outside the document may have nothing to read.
-        if (std::strcmp(outcome, "written") != 0 &&
-            !(std::strcmp(outcome, "unverified") == 0 && item.block.empty())) {
-            exitStatus = 1;
-        }
-        json_array_append_new(records.get(), Record(back, planned, outcome, reason));
     }
-    if (options.json) {
+    if (context.options.json) {
         PrintJson(context.out, json_array_size(records.get()) == 1 ? json_array_get(records.get(), 0)
                                                                    : records.get());
     }
