@@ -21,32 +21,39 @@ std::optional<double> Number(const json_t* object, const char* key) {
     return json_is_number(value) ? std::optional<double>(json_number_value(value)) : std::nullopt;
 }
 
+// The item an element of `group` publishes.
+Item ElementItem(const json_t* element, const json_t* group, const std::string& block,
+                 const std::string& groupName) {
+    Item item;
+    item.id = static_cast<uint32_t>(json_integer_value(json_object_get(element, "id")));
+    item.block = block;
+    item.group = groupName;
+    item.name = Text(element, "n");
+    for (const char* key : {"v", "sv", "bv"}) {
+        const json_t* value = json_object_get(element, key);
+        if (value != nullptr) {
+            item.key = key;
+            // Two-state values are read and written as integers.
+            item.type = json_is_real(value)     ? JSON_REAL
+                        : json_is_string(value) ? JSON_STRING
+                                                : JSON_INTEGER;
+            break;
+        }
+    }
+    item.unit = json_object_get(element, "u") != nullptr ? Text(element, "u") : Text(group, "bu");
+    item.access = Text(element, "asm");
+    item.minimum = Number(element, "min");
+    item.maximum = Number(element, "max");
+    return item;
+}
+
 void CollectGroup(const json_t* group, const std::string& block, const std::string& groupName,
                   std::vector<Item>& items) {
     const size_t first = items.size();
     size_t i;
     const json_t* element;
     json_array_foreach(json_object_get(group, "e"), i, element) {
-        Item item;
-        item.id = static_cast<uint32_t>(json_integer_value(json_object_get(element, "id")));
-        item.block = block;
-        item.group = groupName;
-        item.name = Text(element, "n");
-        for (const char* key : {"v", "sv", "bv"}) {
-            const json_t* value = json_object_get(element, key);
-            if (value != nullptr) {
-                item.key = key;
-                // Two-state values are read and written as integers.
-                item.type = json_is_real(value)     ? JSON_REAL
-                            : json_is_string(value) ? JSON_STRING
-                                                    : JSON_INTEGER;
-                break;
-            }
-        }
-        item.unit = json_object_get(element, "u") != nullptr ? Text(element, "u") : Text(group, "bu");
-        item.access = Text(element, "asm");
-        item.minimum = Number(element, "min");
-        item.maximum = Number(element, "max");
+        Item item = ElementItem(element, group, block, groupName);
         // One id published twice in a group is one item: the module can read
         // only one of them, the last.
         bool merged = false;
@@ -68,6 +75,81 @@ bool EndsWithPart(const std::string& path, const std::string& tail) {
     return path == tail || (path.size() > tail.size() &&
                             path.compare(path.size() - tail.size(), tail.size(), tail) == 0 &&
                             path[path.size() - tail.size() - 1] == '/');
+}
+
+// The item of an id; one outside the document only when a type to use it
+// with was given.
+Selection SelectId(const std::vector<Item>& items, uint32_t id, bool typed) {
+    for (const Item& item : items) {
+        if (item.id == id) {
+            return {{item}, false};
+        }
+    }
+    if (!typed) {
+        throw ToolError(IdText(id) + " is not an item of the capability document "
+                        "(give --type to use it anyway)", true);
+    }
+    Item item;
+    item.id = id;
+    item.name = IdText(id);
+    item.access = "N/A";
+    return {{item}, false};
+}
+
+// What a selector fits: items, and (when they count) blocks and groups.
+struct Matches {
+    std::vector<const Item*> items;
+    std::vector<std::string> groups;
+};
+
+// The items, and with `groups` the blocks and groups, whose path is
+// `wanted` (`whole`) or ends in it; an item's other names count, and so
+// does a name typed as voractl shows it, escaped.
+Matches Match(const std::vector<Item>& items, const std::string& wanted, bool whole, bool groups) {
+    const auto fits = [&](const std::string& path) {
+        return whole ? path == wanted || Printable(path) == wanted
+                     : EndsWithPart(path, wanted) || EndsWithPart(Printable(path), wanted);
+    };
+    Matches matches;
+    for (const Item& item : items) {
+        bool match = fits(item.path());
+        for (const std::string& other : item.sharing) {
+            match = match || fits(item.groupPath() + "/" + other);
+        }
+        if (match) {
+            matches.items.push_back(&item);
+        }
+        for (const std::string& path : {item.block, item.groupPath()}) {
+            if (groups && fits(path) &&
+                std::find(matches.groups.begin(), matches.groups.end(), path) == matches.groups.end()) {
+                matches.groups.push_back(path);
+            }
+        }
+    }
+    return matches;
+}
+
+// The items of the block or group at `path`.
+Selection GroupSelection(const std::vector<Item>& items, const std::string& path) {
+    Selection selection{{}, true};
+    for (const Item& item : items) {
+        if (item.block == path || item.groupPath() == path) {
+            selection.items.push_back(item);
+        }
+    }
+    return selection;
+}
+
+[[noreturn]] void Ambiguous(const std::string& selector, const Matches& matches) {
+    std::string candidates;
+    for (const Item* item : matches.items) {
+        candidates += "\n  " + Printable(item->path()) + " (" + IdText(item->id) + ")";
+    }
+    for (const std::string& path : matches.groups) {
+        candidates += "\n  " + Printable(path) + "/";
+    }
+    throw ToolError("\"" + Printable(selector) + "\" names more than one " +
+                    (matches.groups.empty() ? "item" : "thing") + "; one of:" + candidates, true);
 }
 
 }  // namespace
@@ -154,69 +236,19 @@ Selection Select(const std::vector<Item>& items, const std::string& selector, bo
         wanted.pop_back();
     }
     if (const std::optional<uint32_t> id = ParseId(wanted)) {
-        for (const Item& item : items) {
-            if (item.id == *id) {
-                return {{item}, false};
-            }
-        }
-        if (!typed) {
-            throw ToolError(IdText(*id) + " is not an item of the capability document "
-                            "(give --type to use it anyway)", true);
-        }
-        Item item;
-        item.id = *id;
-        item.name = IdText(*id);
-        item.access = "N/A";
-        return {{item}, false};
+        return SelectId(items, *id, typed);
     }
-    // Whole paths first, then trailing parts; an item's other names count,
-    // and so does a name typed as voractl shows it, escaped.
+    // Whole paths first, then trailing parts.
     for (const bool whole : {true, false}) {
-        const auto fits = [&](const std::string& path) {
-            return whole ? path == wanted || Printable(path) == wanted
-                         : EndsWithPart(path, wanted) || EndsWithPart(Printable(path), wanted);
-        };
-        std::vector<const Item*> found;
-        std::vector<std::string> groupsFound;
-        for (const Item& item : items) {
-            bool match = fits(item.path());
-            for (const std::string& other : item.sharing) {
-                match = match || fits(item.groupPath() + "/" + other);
-            }
-            if (match) {
-                found.push_back(&item);
-            }
-            for (const std::string& path : {item.block, item.groupPath()}) {
-                const bool named = fits(path);
-                if (groups && named &&
-                    std::find(groupsFound.begin(), groupsFound.end(), path) == groupsFound.end()) {
-                    groupsFound.push_back(path);
-                }
-            }
+        const Matches matches = Match(items, wanted, whole, groups);
+        if (matches.items.size() == 1 && matches.groups.empty()) {
+            return {{*matches.items.front()}, false};
         }
-        if (found.size() == 1 && groupsFound.empty()) {
-            return {{*found.front()}, false};
+        if (matches.items.empty() && matches.groups.size() == 1) {
+            return GroupSelection(items, matches.groups.front());
         }
-        if (found.empty() && groupsFound.size() == 1) {
-            Selection selection{{}, true};
-            for (const Item& item : items) {
-                if (item.block == groupsFound.front() || item.groupPath() == groupsFound.front()) {
-                    selection.items.push_back(item);
-                }
-            }
-            return selection;
-        }
-        if (found.size() + groupsFound.size() > 1) {
-            std::string candidates;
-            for (const Item* item : found) {
-                candidates += "\n  " + Printable(item->path()) + " (" + IdText(item->id) + ")";
-            }
-            for (const std::string& path : groupsFound) {
-                candidates += "\n  " + Printable(path) + "/";
-            }
-            throw ToolError("\"" + Printable(selector) + "\" names more than one " +
-                            (groupsFound.empty() ? "item" : "thing") + "; one of:" + candidates,
-                            true);
+        if (matches.items.size() + matches.groups.size() > 1) {
+            Ambiguous(selector, matches);
         }
     }
     throw ToolError("no item" + std::string(groups ? " or group" : "") + " \"" + Printable(selector) +
