@@ -27,6 +27,37 @@ std::vector<Item> Chosen(Context& context) {
                              : SelectAll(context.session.items(), selectors);
 }
 
+// The items `get` is asked for, in the order asked for and each once, with
+// the JSON type --type gives them.
+std::vector<Item> Requested(Context& context) {
+    const Options& options = context.options;
+    std::vector<Item> items;
+    for (const std::string& selector : options.arguments) {
+        for (const Item& item : Select(context.session.items(), selector, true, options.type.has_value()).items) {
+            bool seen = false;
+            for (const Item& other : items) {
+                seen = seen || (other.id == item.id && other.path() == item.path());
+            }
+            if (!seen) {
+                items.push_back(item);
+            }
+        }
+    }
+    for (Item& item : items) {
+        const json_type type = options.type.value_or(item.type);
+        // A number read as text, or text as a number, is another item's
+        // answer more often than this one's.
+        if (type != item.type && (type == JSON_STRING || item.type == JSON_STRING) &&
+            !item.block.empty() && !options.force) {
+            throw ToolError(Printable(item.path()) + " is published as " +
+                            (item.type == JSON_STRING ? "text" : "a number") + "; --type " +
+                            TypeName(type) + " reads it only with --force");
+        }
+        item.type = type;
+    }
+    return items;
+}
+
 }  // namespace
 
 int Info(Context& context) {
@@ -90,33 +121,7 @@ int List(Context& context) {
 
 int Get(Context& context) {
     const Options& options = context.options;
-    // In the order asked for, each item once.
-    std::vector<Item> items;
-    for (const std::string& selector : options.arguments) {
-        for (const Item& item : Select(context.session.items(), selector, true, options.type.has_value()).items) {
-            bool seen = false;
-            for (const Item& other : items) {
-                seen = seen || (other.id == item.id && other.path() == item.path());
-            }
-            if (!seen) {
-                items.push_back(item);
-            }
-        }
-    }
-    if (options.type) {
-        const json_type type = *options.type;
-        for (Item& item : items) {
-            // A number read as text, or text as a number, is another item's
-            // answer more often than this one's.
-            if (type != item.type && (type == JSON_STRING || item.type == JSON_STRING) &&
-                !item.block.empty() && !options.force) {
-                throw ToolError(Printable(item.path()) + " is published as " +
-                                (item.type == JSON_STRING ? "text" : "a number") +
-                                "; --type " + TypeName(type) + " reads it only with --force");
-            }
-            item.type = type;
-        }
-    }
+    const std::vector<Item> items = Requested(context);
     const std::vector<Reading> readings = context.session.readAll(items);
     if (options.json) {
         JsonPtr array = Own(RecordsJson(readings));

@@ -264,27 +264,31 @@ timespec Add(timespec at, double seconds) {
     return at;
 }
 
+// The items the selectors name; without any, the hardware monitor's.
+std::vector<Item> Watched(Context& context) {
+    const std::vector<std::string>& selectors = context.options.arguments;
+    if (!selectors.empty()) {
+        return SelectAll(context.session.items(), selectors);
+    }
+    std::vector<Item> items;
+    for (const Item& item : context.session.items()) {
+        if (item.in(Block::HardwareMonitor)) {
+            items.push_back(item);
+        }
+    }
+    if (items.empty()) {
+        throw ToolError("the board has no hardware-monitor sensors; name the items to watch");
+    }
+    return items;
+}
+
 }  // namespace
 
 int Watch(Context& context) {
-    const std::vector<std::string>& selectors = context.options.arguments;
     const double interval = context.options.interval;
     const long count = context.options.count;
-    std::vector<Item> items;
-    if (!selectors.empty()) {
-        items = SelectAll(context.session.items(), selectors);
-    } else {
-        for (const Item& item : context.session.items()) {
-            if (item.in(Block::HardwareMonitor)) {
-                items.push_back(item);
-            }
-        }
-        if (items.empty()) {
-            throw ToolError("the board has no hardware-monitor sensors; name the items to watch");
-        }
-    }
     StopSignals signals;
-    Sampler sampler(context, std::move(items));
+    Sampler sampler(context, Watched(context));
     timespec next;
     clock_gettime(CLOCK_MONOTONIC, &next);
     for (long n = 0; (count == 0 || n < count) && !gStop; ++n) {
