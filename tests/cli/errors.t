@@ -25,13 +25,14 @@ when the module or the board failed, 2 for a wrong command line.
   $ voractl help set | head -1
   Usage: voractl [OPTIONS] set [--json] [--type int|real|string] [--force]
 
-The man page's synopsis is the command table's, as each command's help
-shows it:
+Every help fits 80 columns, and the man page's synopsis is the command
+table's, as each command's help shows it:
 
-  $ for command in $(voractl --commands | cut -d' ' -f1); do [ $command = help ] || voractl help $command; done |
-  >   awk '/^Usage:/ { on = 1 } /^$/ { on = 0 } !on { next }
-  >        /^(Usage:)? +voractl / { if (line) print line; sub(/^(Usage:)? +/, ""); line = $0; next }
-  >        { sub(/^ +/, " "); line = line $0 } END { print line }' > table.txt
+  $ for command in $(voractl --commands | cut -d' ' -f1); do [ $command = help ] || voractl help $command; done > help.txt
+  $ voractl --help | cat - help.txt | awk 'length > 79'
+  $ awk '/^Usage:/ { on = 1 } /^$/ { on = 0 } !on { next }
+  >      /^(Usage:)? +voractl / { if (line) print line; sub(/^(Usage:)? +/, ""); line = $0; next }
+  >      { sub(/^ +/, " "); line = line $0 } END { print line }' help.txt > table.txt
   $ sed -n '/^\.SH SYNOPSIS/,/^\.SH DESCRIPTION/{/^[^.]/p}' "$VTEST_SOURCE_DIR/tools/voractl/voractl.1" |
   >   sed -e 's/\\f[BIR]//g' -e 's/\\-/-/g' -e 's/\\~/ /g' -e 's/^/voractl /' | diff - table.txt
   $ voractl bogus
