@@ -97,14 +97,17 @@ json_t* ShownRecordsJson(const std::vector<Reading>& readings) {
         if (!limits.empty()) {
             json_object_set_new(record, "limits", json_string(limits.c_str()));
         }
+        const UnitKind& kind = item.kind();
         const std::string symbol = UnitText(item.unit);
-        if (item.kind().twoState() != nullptr) {
+        if (kind.twoState() != nullptr) {
             json_object_set_new(record, "two_state", json_true());
-        } else if (!symbol.empty()) {
+            continue;
+        }
+        if (!symbol.empty()) {
             json_object_set_new(record, "symbol", json_string(symbol.c_str()));
         }
-        if (item.kind().twoState() == nullptr && item.kind().shown.decimals >= 0) {
-            json_object_set_new(record, "decimals", json_integer(item.kind().shown.decimals));
+        if (kind.shown.decimals >= 0) {
+            json_object_set_new(record, "decimals", json_integer(kind.shown.decimals));
         }
     }
     return records;
