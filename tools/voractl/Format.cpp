@@ -48,13 +48,13 @@ std::string ValueText(const json_t* value) {
     }
 }
 
-std::string UnitText(const std::string& unit) {
-    const char* symbol = UnitKindOf(unit).shown.symbol;
-    return symbol != nullptr ? symbol : unit;
+std::string UnitText(const Item& item) {
+    const char* symbol = item.kind().shown.symbol;
+    return symbol != nullptr ? symbol : item.unit;
 }
 
-std::string DisplayValue(const json_t* value, const std::string& unit) {
-    const UnitKind& kind = UnitKindOf(unit);
+std::string DisplayValue(const json_t* value, const Item& item) {
+    const UnitKind& kind = item.kind();
     std::string number = ValueText(value);
     if (json_is_number(value)) {
         const double v = json_number_value(value);
@@ -68,7 +68,7 @@ std::string DisplayValue(const json_t* value, const std::string& unit) {
             number = text;
         }
     }
-    const std::string symbol = UnitText(unit);
+    const std::string symbol = UnitText(item);
     return symbol.empty() ? number : number + " " + symbol;
 }
 

@@ -7,6 +7,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "Items.h"
+
 namespace voractl {
 
 // A failure of voractl itself: shown as "voractl: <what>" on standard error.
@@ -29,14 +31,14 @@ std::string StatusText(uint32_t status);
 // as they are.
 std::string ValueText(const json_t* value);
 
-// A unit as people read it: its symbol ("Cel" is shown as "°C", "hour" as
-// "hours"), nothing for a unit that shows nothing ("Step", "info").
-std::string UnitText(const std::string& unit);
+// An item's unit as people read it: its symbol ("Cel" is shown as "°C",
+// "hour" as "hours"), nothing for a unit that shows nothing ("Step", "info").
+std::string UnitText(const Item& item);
 
-// A value with its unit as people read it, the way `sensors` shows readings
+// A value of `item` with its unit as people read it, the way `sensors` shows readings
 // ("+48.5 °C", "1.050 V", "2400 RPM", "1.250 A"), and a two-state unit's
 // states in its words ("in"/"out", "high"/"low", "on"/"off").
-std::string DisplayValue(const json_t* value, const std::string& unit);
+std::string DisplayValue(const json_t* value, const Item& item);
 
 // "0x1020201".
 std::string IdText(uint32_t id);

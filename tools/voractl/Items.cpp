@@ -41,6 +41,7 @@ Item ElementItem(const json_t* element, const json_t* group, const std::string& 
         }
     }
     item.unit = json_object_get(element, "u") != nullptr ? Text(element, "u") : Text(group, "bu");
+    item.unitKind = &UnitKindOf(item.unit);
     item.access = Text(element, "asm");
     item.minimum = Number(element, "min");
     item.maximum = Number(element, "max");

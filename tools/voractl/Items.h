@@ -31,6 +31,7 @@ struct Item {
     std::string key;     // value key of the element: "v", "sv" or "bv"
     json_type type = JSON_INTEGER;  // JSON type the module reads and writes
     std::string unit;    // the element's "u", else its group's "bu"
+    const UnitKind* unitKind = nullptr;  // the row of `unit`, when found
     std::string access;  // "r", "rw", "N/A"
     std::optional<double> minimum;  // the element's published "min" and "max"
     std::optional<double> maximum;
@@ -46,8 +47,8 @@ struct Item {
     bool in(Block block) const {
         return !this->block.empty() && (id & VORADRV_ID_CLASS_MASK) == static_cast<uint32_t>(block);
     }
-    // What the item's unit says its values are.
-    const UnitKind& kind() const { return UnitKindOf(unit); }
+    // What the item's unit says its values are (its row, once found).
+    const UnitKind& kind() const { return unitKind != nullptr ? *unitKind : UnitKindOf(unit); }
     bool is(Quantity quantity) const { return kind().quantity == quantity; }
     // The backlight's item that turns its panel on and off (named as its
     // block), beside the panel's other on/off items (its polarity).

@@ -13,7 +13,7 @@ std::string ShownValue(const Reading& reading) {
         return "N/A";
     }
     return Printable(reading.bare ? ValueText(reading.value.get())
-                                  : DisplayValue(reading.value.get(), reading.item->unit));
+                                  : DisplayValue(reading.value.get(), *reading.item));
 }
 
 json_t* ReadingJson(const Reading& reading) {
@@ -98,7 +98,7 @@ json_t* ShownRecordsJson(const std::vector<Reading>& readings) {
             json_object_set_new(record, "limits", json_string(limits.c_str()));
         }
         const UnitKind& kind = item.kind();
-        const std::string symbol = UnitText(item.unit);
+        const std::string symbol = UnitText(item);
         if (kind.twoState() != nullptr) {
             json_object_set_new(record, "two_state", json_true());
             continue;

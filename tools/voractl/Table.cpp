@@ -36,8 +36,8 @@ std::string Limits(const Item& item) {
         minimum = Own(json_integer(static_cast<json_int_t>(*item.minimum)));
         maximum = Own(json_integer(static_cast<json_int_t>(*item.maximum)));
     }
-    return "(min = " + DisplayValue(minimum.get(), item.unit) +
-           ", max = " + DisplayValue(maximum.get(), item.unit) + ")";
+    return "(min = " + DisplayValue(minimum.get(), item) +
+           ", max = " + DisplayValue(maximum.get(), item) + ")";
 }
 
 // A GPIO pin's two rows, direction then level, as one: its number and name,

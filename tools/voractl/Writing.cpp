@@ -239,8 +239,8 @@ json_t* Write(Session& session, const Planned& planned, int& exitStatus) {
                      Printable(planned.text).c_str(), reason.c_str());
     } else if (!Same(item, planned.value.get(), back.value.get())) {
         outcome = "differs";
-        reason = "wrote " + DisplayValue(planned.value.get(), item.unit) + ", the board reads " +
-                 DisplayValue(back.value.get(), item.unit);
+        reason = "wrote " + DisplayValue(planned.value.get(), item) + ", the board reads " +
+                 DisplayValue(back.value.get(), item);
         std::fprintf(stderr, "voractl: %s: %s\n", Printable(item.path()).c_str(), Printable(reason).c_str());
     }
     if (std::strcmp(outcome, "written") != 0 &&
