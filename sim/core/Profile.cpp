@@ -417,8 +417,18 @@ void ParseNetwork(const Node& n, Board& board) {
     }
 }
 
+// A fault's time in milliseconds: from 0 to an hour.
+double Milliseconds(const Node& n) {
+    const double ms = n.number();
+    if (!(ms >= 0.0 && ms <= 3600000.0)) {
+        n.fail("expected milliseconds from 0 to 3600000");
+    }
+    return ms;
+}
+
 Fault ParseFaultNode(const Node& f) {
-    f.object({"function", "arg", "status", "value", "length", "unterminated", "times", "after"});
+    f.object({"function", "arg", "status", "value", "length", "unterminated", "latency_ms",
+              "jitter_ms", "hang", "times", "after"});
     Fault fault;
     if (!f.member("function").present()) {
         f.fail("missing \"function\"");
@@ -439,14 +449,24 @@ Fault ParseFaultNode(const Node& f) {
     if (f.member("unterminated").present()) {
         fault.unterminated = f.member("unterminated").boolean();
     }
+    if (f.member("latency_ms").present()) {
+        fault.latencyMs = Milliseconds(f.member("latency_ms"));
+    }
+    if (f.member("jitter_ms").present()) {
+        fault.jitterMs = Milliseconds(f.member("jitter_ms"));
+    }
+    if (f.member("hang").present()) {
+        fault.hang = f.member("hang").boolean();
+    }
     if (f.member("times").present()) {
         fault.times = f.member("times").u32();
     }
     if (f.member("after").present()) {
         fault.after = f.member("after").u32();
     }
-    if (fault.statusOnly() && !fault.status) {
-        f.fail("a fault needs \"status\", \"value\", \"length\" or \"unterminated\"");
+    if (!fault.status && !fault.value && !fault.length && !fault.unterminated && !fault.delays()) {
+        f.fail("a fault needs \"status\", \"value\", \"length\", \"unterminated\", \"latency_ms\", "
+               "\"jitter_ms\" or \"hang\"");
     }
     return fault;
 }

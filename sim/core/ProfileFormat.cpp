@@ -41,6 +41,15 @@ json_t* FormatFault(const Fault& fault) {
     if (fault.unterminated) {
         json_object_set_new(f, "unterminated", json_true());
     }
+    if (fault.latencyMs > 0.0) {
+        json_object_set_new(f, "latency_ms", json_real(fault.latencyMs));
+    }
+    if (fault.jitterMs > 0.0) {
+        json_object_set_new(f, "jitter_ms", json_real(fault.jitterMs));
+    }
+    if (fault.hang) {
+        json_object_set_new(f, "hang", json_true());
+    }
     if (fault.times) {
         json_object_set_new(f, "times", json_integer(*fault.times));
     }
