@@ -77,17 +77,17 @@ Node Node::element(size_t i) const {
 }
 
 void Node::object(std::initializer_list<const char*> allowed) const {
+    object(std::vector<std::string>(allowed.begin(), allowed.end()));
+}
+
+void Node::object(const std::vector<std::string>& allowed) const {
     if (!json_is_object(json_)) {
         fail("an object");
     }
     const char* key;
     json_t* value;
     json_object_foreach(const_cast<json_t*>(json_), key, value) {
-        bool known = false;
-        for (const char* a : allowed) {
-            known = known || std::strcmp(a, key) == 0;
-        }
-        if (!known) {
+        if (std::find(allowed.begin(), allowed.end(), key) == allowed.end()) {
             refuse("unknown key " + Shown(key, std::strlen(key)));
         }
     }

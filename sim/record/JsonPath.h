@@ -15,6 +15,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace vorarec {
 
@@ -56,6 +57,7 @@ public:
 
     // Requires an object whose keys are all among `allowed`.
     void object(std::initializer_list<const char*> allowed) const;
+    void object(const std::vector<std::string>& allowed) const;
     // Requires an array; its size.
     size_t arraySize() const;
 

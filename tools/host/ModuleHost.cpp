@@ -38,16 +38,40 @@ int Collect(struct dl_phdr_info* info, size_t, void* data) {
 
 std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-// The file behind a stand-in, or `path` itself for any other library.
-std::string Target(const std::string& path) {
+// What a loaded library says of itself: the file behind a stand-in (or
+// `path` itself for any other library), and a simulated library's replay.
+BoardLibrary Describe(const std::string& path, const Known& known) {
+    BoardLibrary library{path, known.name, known.generation, ""};
     void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
     if (handle == nullptr) {
-        return path;
+        return library;
     }
     const auto* target = static_cast<const char* const*>(dlsym(handle, "vora_standin_target"));
-    std::string result = target != nullptr && *target != nullptr ? *target : path;
+    library.path = target != nullptr && *target != nullptr ? *target : path;
+    using Replay = const char* (*)();
+    if (const auto replay = reinterpret_cast<Replay>(dlsym(handle, "vorasim_replay"))) {
+        library.replay = replay();
+    }
     dlclose(handle);
-    return result;
+    return library;
+}
+
+// The file of the board library in use as loaded: of those loaded, the
+// last in the order the module tries them. Empty when none is.
+std::string InUse() {
+    std::vector<std::string> paths;
+    dl_iterate_phdr(Collect, &paths);
+    std::string found;
+    int rank = -1;
+    for (const std::string& path : paths) {
+        for (int i = 0; i < 3; ++i) {
+            if (BaseName(path) == kLibraries[i].file && i >= rank) {
+                found = path;
+                rank = i;
+            }
+        }
+    }
+    return found;
 }
 
 }  // namespace
@@ -84,19 +108,28 @@ uint32_t ModuleHost::uninitialize() {
 }
 
 std::optional<BoardLibrary> LoadedBoardLibrary() {
-    std::vector<std::string> paths;
-    dl_iterate_phdr(Collect, &paths);
-    std::optional<BoardLibrary> found;
-    int rank = -1;
-    for (const std::string& path : paths) {
-        for (int i = 0; i < 3; ++i) {
-            if (BaseName(path) == kLibraries[i].file && i >= rank) {
-                found = BoardLibrary{Target(path), kLibraries[i].name, kLibraries[i].generation};
-                rank = i;
-            }
+    const std::string path = InUse();
+    for (const Known& known : kLibraries) {
+        if (!path.empty() && BaseName(path) == known.file) {
+            return Describe(path, known);
         }
     }
-    return found;
+    return std::nullopt;
+}
+
+std::optional<Recorder> LoadedRecorder() {
+    const std::string path = InUse();
+    void* handle = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
+    if (handle == nullptr) {
+        return std::nullopt;
+    }
+    const Recorder recorder{reinterpret_cast<int (*)()>(dlsym(handle, "vora_standin_full")),
+                            reinterpret_cast<void (*)()>(dlsym(handle, "vora_standin_save"))};
+    dlclose(handle);  // the module holds the library open
+    if (recorder.full == nullptr || recorder.save == nullptr) {
+        return std::nullopt;
+    }
+    return recorder;
 }
 
 }  // namespace voradrv::host
