@@ -108,9 +108,10 @@ and one call made to fail.
 
 A board whose library fails to initialise is recorded all the same (the
 failure named, exit status 0), and the recording replays as the same
-failure, on every generation:
+failure, on every generation; so does a board with nothing on it, whose
+library comes up but the module does not:
 
-  $ for init in VoraLibInitialize:4 VoraDllInit:3 EApiLibInitialize:eapi; do
+  $ for init in VoraLibInitialize:4 VoraDllInit:3 EApiLibInitialize:eapi nothing:4; do
   >   echo "{\"faults\": [{\"function\": \"${init%:*}\", \"status\": \"0xFFFFF0FF\"}]}" > down.json
   >   voractl --sim=down.json --sim-generation ${init#*:} record --output down-recording.json
   >   cmp <(voractl --sim=down.json --sim-generation ${init#*:} info 2>&1) <(voractl --sim=down-recording.json info 2>&1) &&
@@ -123,6 +124,10 @@ failure, on every generation:
   voractl: the module did not come up: error (0xFFFFF0FF) (recorded)
   voractl: cannot initialise the module: error (0xFFFFF0FF)
   module: [VORADrv] ECTL2 can not load (0xFFFFF0FF)
+  voractl: the module did not come up: error (0xFFFFF0FF) (recorded)
+  voractl: cannot initialise the module: error (0xFFFFF0FF)
+  module: VORADrv Info init: json_pack array failed
+  module: VORADrvnInit: module Init failed
   voractl: the module did not come up: error (0xFFFFF0FF) (recorded)
   voractl: cannot initialise the module: error (0xFFFFF0FF)
 
@@ -141,14 +146,17 @@ generation (a third-generation pin's direction among them):
 
 A recording made while writing (VORA_RECORD=FILE records any host run
 under the path redirection, voractl among them) replays the write as the
-board took it, its answers in their order:
+board took it, its answers in their order, and a later run starts from what
+was written (the capability's value is read at initialise):
 
   $ cp $VTEST_SOURCE_DIR/sim/profiles/vora4.json board.json
   $ VORA_RECORD=while-writing.json voractl --sim=board.json set --json Brightness=50 > original.txt
   $ grep -o '"function":"VoraVgaGetBacklightBrightness","in":{"id":0},.*"out":{"brightness":50}' while-writing.json
   "function":"VoraVgaGetBacklightBrightness","in":{"id":0},"answers":[{"status":0,"out":{"brightness":80},"took_us":*},{"status":0,"out":{"brightness":50} (glob)
-  $ voractl --sim=while-writing.json set --json Brightness=50 | cmp - original.txt && voractl --sim=while-writing.json get Brightness
-  50
+  $ voractl --sim=while-writing.json set --json Brightness=50 | cmp - original.txt &&
+  >   voractl --sim=while-writing.json caps | grep -A 1 '"n": "Brightness"'
+            "n": "Brightness",
+            "v": 50,
 
 A call the recording lacks answers "not supported", named once:
 

@@ -38,37 +38,35 @@ int Collect(struct dl_phdr_info* info, size_t, void* data) {
 
 std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-// What a loaded library says of itself: the file behind a stand-in (or
-// `path` itself for any other library), and a simulated library's replay.
-BoardLibrary Describe(const std::string& path, const Known& known) {
-    BoardLibrary library{path, known.name, known.generation, ""};
+// A symbol of the loaded library `path`, or null.
+void* Symbol(const std::string& path, const char* name) {
     void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
     if (handle == nullptr) {
-        return library;
+        return nullptr;
     }
-    const auto* target = static_cast<const char* const*>(dlsym(handle, "vora_standin_target"));
-    library.path = target != nullptr && *target != nullptr ? *target : path;
-    using Replay = const char* (*)();
-    if (const auto replay = reinterpret_cast<Replay>(dlsym(handle, "vorasim_replay"))) {
-        library.replay = replay();
-    }
-    dlclose(handle);
-    return library;
+    void* symbol = dlsym(handle, name);
+    dlclose(handle);  // the module holds the library open
+    return symbol;
 }
 
-// The file of the board library in use as loaded: of those loaded, the
-// last in the order the module tries them. Empty when none is.
-std::string InUse() {
+// The files of the board library in use as loaded: of the board libraries
+// loaded, those of the last in the order the module tries them (a stand-in
+// and the library behind it share its name), and which that is.
+std::vector<std::string> InUse(const Known*& known) {
     std::vector<std::string> paths;
     dl_iterate_phdr(Collect, &paths);
-    std::string found;
-    int rank = -1;
-    for (const std::string& path : paths) {
-        for (int i = 0; i < 3; ++i) {
-            if (BaseName(path) == kLibraries[i].file && i >= rank) {
-                found = path;
-                rank = i;
+    std::vector<std::string> found;
+    known = nullptr;
+    for (const Known& library : kLibraries) {
+        std::vector<std::string> these;
+        for (const std::string& path : paths) {
+            if (BaseName(path) == library.file) {
+                these.push_back(path);
             }
+        }
+        if (!these.empty()) {
+            found = these;
+            known = &library;
         }
     }
     return found;
@@ -108,28 +106,35 @@ uint32_t ModuleHost::uninitialize() {
 }
 
 std::optional<BoardLibrary> LoadedBoardLibrary() {
-    const std::string path = InUse();
-    for (const Known& known : kLibraries) {
-        if (!path.empty() && BaseName(path) == known.file) {
-            return Describe(path, known);
+    const Known* known = nullptr;
+    const std::vector<std::string> paths = InUse(known);
+    if (known == nullptr) {
+        return std::nullopt;
+    }
+    BoardLibrary library{paths.front(), known->name, known->generation, ""};
+    for (const std::string& path : paths) {
+        if (const auto* target = static_cast<const char* const*>(Symbol(path, "vora_standin_target"));
+            target != nullptr && *target != nullptr) {
+            library.path = *target;
+        }
+        using Replay = const char* (*)();
+        if (const auto replay = reinterpret_cast<Replay>(Symbol(path, "vorasim_replay"))) {
+            library.replay = replay();
         }
     }
-    return std::nullopt;
+    return library;
 }
 
 std::optional<Recorder> LoadedRecorder() {
-    const std::string path = InUse();
-    void* handle = path.empty() ? nullptr : dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    if (handle == nullptr) {
-        return std::nullopt;
+    const Known* known = nullptr;
+    for (const std::string& path : InUse(known)) {
+        const Recorder recorder{reinterpret_cast<int (*)()>(Symbol(path, "vora_standin_full")),
+                                reinterpret_cast<void (*)()>(Symbol(path, "vora_standin_save"))};
+        if (recorder.full != nullptr && recorder.save != nullptr) {
+            return recorder;
+        }
     }
-    const Recorder recorder{reinterpret_cast<int (*)()>(dlsym(handle, "vora_standin_full")),
-                            reinterpret_cast<void (*)()>(dlsym(handle, "vora_standin_save"))};
-    dlclose(handle);  // the module holds the library open
-    if (recorder.full == nullptr || recorder.save == nullptr) {
-        return std::nullopt;
-    }
-    return recorder;
+    return std::nullopt;
 }
 
 }  // namespace voradrv::host
