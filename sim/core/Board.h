@@ -85,8 +85,8 @@ struct Board {
     const uint32_t* value(const std::string& key) const;
 };
 
-// A fault: calls of `function` (with key argument `arg`, when given) answer
-// differently from the model.
+// A fault: calls of `function` (a function of one of the board libraries,
+// with key argument `arg`, when given) answer differently from the model.
 struct Fault {
     std::string function;
     std::optional<uint32_t> arg;

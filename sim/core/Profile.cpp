@@ -4,6 +4,7 @@
 
 #include "ProfileNetwork.h"
 #include "record/JsonPath.h"
+#include "record/Libraries.h"
 
 namespace vorasim {
 
@@ -235,6 +236,10 @@ Fault ParseFaultNode(const Node& f) {
               "jitter_ms", "hang", "times", "after"});
     Fault fault;
     fault.function = f.member("function").text();
+    if (!vorarec::LibraryOf("4")->find(fault.function) && !vorarec::LibraryOf("3")->find(fault.function) &&
+        !vorarec::LibraryOf("eapi")->find(fault.function)) {
+        f.member("function").fail("a function of a board library");
+    }
     const auto number = [&](const char* key, std::optional<uint32_t>& value) {
         if (f.member(key).present()) {
             value = f.member(key).u32();

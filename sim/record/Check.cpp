@@ -25,8 +25,8 @@ void CheckNumber(const Node& n, Kind kind) {
         case Kind::I32:
             n.integer(-2147483648LL, 2147483647LL, "a number from -2147483648 to 2147483647");
             break;
-        case Kind::Real:
-            n.number();
+        case Kind::Real:  // a float
+            n.number(-3.4028234663852886e38, 3.4028234663852886e38);
             break;
         default:
             n.integer(0, 0xFFFFFFFFLL, "a number from 0 to 4294967295");
@@ -75,7 +75,10 @@ void CheckText(const Node& out, const Node& in) {
     if (buffer.present() && hex.present()) {
         hex.fail("no \"hex\" beside \"buffer\"");
     }
-    size_t bytes = buffer.present() ? buffer.text().size() : 0;
+    size_t bytes = buffer.present() ? json_string_length(buffer.json()) : 0;
+    if (buffer.present()) {
+        buffer.text();
+    }
     if (hex.present()) {
         const std::string digits = hex.text();
         if (digits.size() % 2 != 0 || !std::all_of(digits.begin(), digits.end(), [](char c) {

@@ -24,6 +24,8 @@ constexpr int kVersion = 2;
 // up to ten digits.
 constexpr size_t kCallBytes = 36;
 constexpr size_t kAnswerBytes = 72;
+// The most times one run of an answer may count; the next is a run of its own.
+constexpr uint64_t kMostTimes = 0xFFFFFFFF;
 // Room kept for the header below the most bytes a recording may be.
 constexpr size_t kHeaderBytes = 64 << 10;
 
@@ -217,7 +219,8 @@ bool Recording::add(const std::string& function, json_t* in, json_t* status, jso
         return true;
     }
     Run& last = calls_[found->second].runs.back();
-    if (Same(last.status.get(), status) && Same(last.out.get(), out) && Close(seconds, last.times, last.seconds)) {
+    if (Same(last.status.get(), status) && Same(last.out.get(), out) && Close(seconds, last.times, last.seconds) &&
+        last.times < kMostTimes) {
         ++last.times;
         last.seconds += seconds;
         return true;
@@ -278,7 +281,8 @@ void Recording::index() {
         for (Run& run : call.runs) {
             if (!runs.empty() && Same(runs.back().status.get(), run.status.get()) &&
                 Same(runs.back().out.get(), run.out.get()) &&
-                Close(run.seconds / static_cast<double>(run.times), runs.back().times, runs.back().seconds)) {
+                Close(run.seconds / static_cast<double>(run.times), runs.back().times, runs.back().seconds) &&
+                runs.back().times + run.times <= kMostTimes) {
                 runs.back().times += run.times;
                 runs.back().seconds += run.seconds;
             } else {
@@ -303,7 +307,7 @@ json_t* Recording::CallJson(const Call& call) {
         if (run.times > 1) {
             json_object_set_new(answer, "times", json_integer(static_cast<json_int_t>(run.times)));
         }
-        const double mean = run.seconds / static_cast<double>(run.times);
+        const double mean = std::min(run.seconds / static_cast<double>(run.times), kLongestCall / 1e6);
         json_object_set_new(answer, "took_us", json_integer(static_cast<json_int_t>(std::llround(mean * 1e6))));
         if (!one) {
             json_array_append_new(answers, answer);

@@ -113,6 +113,7 @@ library comes up but the module does not:
 
   $ for init in VoraLibInitialize:4 VoraDllInit:3 EApiLibInitialize:eapi nothing:4; do
   >   echo "{\"faults\": [{\"function\": \"${init%:*}\", \"status\": \"0xFFFFF0FF\"}]}" > down.json
+  >   [ ${init%:*} = nothing ] && echo '{}' > down.json
   >   voractl --sim=down.json --sim-generation ${init#*:} record --output down-recording.json
   >   cmp <(voractl --sim=down.json --sim-generation ${init#*:} info 2>&1) <(voractl --sim=down-recording.json info 2>&1) &&
   >     voractl --sim=down-recording.json info 2>&1 | tail -1

@@ -11,7 +11,16 @@ namespace {
 
 volatile std::sig_atomic_t gStop = 0;
 
-void OnStopSignal(int) { gStop = 1; }
+// The first stop signal ends the readings between two of them; a second,
+// for a reading that does not end (a board library that never answers),
+// ends the process at once, as the signal does by default.
+void OnStopSignal(int signal) {
+    if (gStop != 0) {
+        std::signal(signal, SIG_DFL);
+        std::raise(signal);
+    }
+    gStop = 1;
+}
 
 timespec Add(timespec at, double seconds) {
     const double whole = std::floor(seconds);

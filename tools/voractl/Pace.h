@@ -8,8 +8,9 @@
 namespace voractl {
 
 // SIGINT and SIGTERM end the readings between two of them, so the module is
-// uninitialised on the way out; a reader that goes away (SIGPIPE) shows as a
-// failed write instead of killing the process. While it lives.
+// uninitialised on the way out (a second one ends the process at once); a
+// reader that goes away (SIGPIPE) shows as a failed write instead of
+// killing the process. While it lives.
 class StopSignals {
 public:
     StopSignals();
