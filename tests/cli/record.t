@@ -256,9 +256,12 @@ recorded, redacted as asked; nothing else is left behind:
   QZ-88
 
 A recording holds at most 100,000 answers and 16 MiB; one that fills up says
-so, keeps what came before and takes no more:
+so, keeps what came before and takes no more. (Python calls the library
+here; when the simulator is built with AddressSanitizer, its run-time is
+loaded first.)
 
-  $ VORA_RECORD=full.json run-simulated -- python3 -c 'import ctypes
+  $ asan=$(ldd "$(command -v voractl)" | sed -n 's/^\s*libasan\S* => \(\S*\).*/\1/p')
+  $ LD_PRELOAD=$asan ASAN_OPTIONS=detect_leaks=0 VORA_RECORD=full.json run-simulated -- python3 -c 'import ctypes
   > library, value = ctypes.CDLL("/usr/lib/libVORA-4.00.so"), ctypes.c_uint()
   > for i in range(100002): library.VoraBoardGetValue(0x30000000 + i, ctypes.byref(value))'
   voradrv stand-in: the recording is full (100000 answers; it holds at most 100000 answers and 16 MiB); later calls are not recorded
