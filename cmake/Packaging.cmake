@@ -29,6 +29,10 @@ set(CPACK_COMPONENT_MODULE_DESCRIPTION
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME voradrv-tools)
 set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION admin)
 set(CPACK_COMPONENT_TOOLS_DEPENDS module)
+# The textfile export's user and node_exporter's link to the export.
+set(CPACK_DEBIAN_TOOLS_PACKAGE_CONTROL_EXTRA
+  "${PROJECT_SOURCE_DIR}/tools/monitoring/postinst;${PROJECT_SOURCE_DIR}/tools/monitoring/postrm")
+set(CPACK_DEBIAN_TOOLS_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_COMPONENT_TOOLS_DESCRIPTION
   "Command-line tool and board simulator for the VORADrv module\n voractl lists, reads, writes and watches the board's items through the\n module and exports them for SenML consumers and Prometheus. The board\n simulator (under the libexec directory, never where the module looks for\n a real board library) lets it run without a board: voractl --sim list.")
 

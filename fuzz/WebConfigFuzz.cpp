@@ -25,7 +25,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     try {
         const voractl::WebConfig config = voractl::ParseWebConfig(path, text);
         for (const auto& [user, hash] : config.users) {
-            if (hash.compare(0, 2, "$2") != 0) {
+            if (hash.size() != 60 || hash.compare(0, 2, "$2") != 0) {
                 std::fprintf(stderr, "fuzz_web_config: user %s taken with \"%s\"\n", user.c_str(),
                              hash.c_str());
                 std::abort();

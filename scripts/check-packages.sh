@@ -13,7 +13,7 @@ if [ "$(id -u)" -ne 0 ]; then
 fi
 scratch=$(mktemp -d)
 remove() {
-    $sudo dpkg --purge voradrv-dev voradrv-tools voradrv >/dev/null || true
+    $sudo dpkg --purge voradrv-dev voradrv-tools voradrv >/dev/null 2>&1 || true
     rm -rf "$scratch"
 }
 trap remove EXIT
@@ -40,6 +40,19 @@ if command -v systemd-analyze > /dev/null; then
 fi
 [ -f /usr/share/voradrv/prometheus/voradrv.rules.yml ] || fail "the alerting rules are not installed"
 
+# The textfile route as its units run it: the export written by its own
+# unprivileged user in its own directory (as StateDirectory= makes it), and
+# read through the link the package put in node_exporter's directory.
+link=/var/lib/prometheus/node-exporter/voradrv.prom
+if command -v systemd-sysusers > /dev/null; then
+    getent passwd _voradrv > /dev/null || fail "no user _voradrv for the textfile export"
+    [ "$(readlink $link)" = /var/lib/voradrv/voradrv.prom ] || fail "no link to the export in node_exporter's directory"
+    $sudo install -d -o _voradrv -g _voradrv -m 0755 /var/lib/voradrv
+    $sudo runuser -u _voradrv -- env VORA_SIM_STATE=/var/lib/voradrv/board.json \
+        /usr/bin/voractl --sim --quiet export --format prometheus --output /var/lib/voradrv/voradrv.prom
+    grep -q '^voradrv_build_info' $link || fail "the export is not read through the link"
+fi
+
 # A host built against the installed development files.
 # shellcheck disable=SC2046
 cc -Wall -Wextra -Werror -o "$scratch/host" examples/host.c \
@@ -47,4 +60,6 @@ cc -Wall -Wextra -Werror -o "$scratch/host" examples/host.c \
     $(pkg-config --cflags --libs voradrv)
 out=$(/usr/libexec/voradrv/run-simulated -- "$scratch/host")
 grep -q '^Voltage/VCORE (0x1020201): 1.05 V$' <<<"$out" || fail "the example host against the installed module"
+$sudo dpkg --purge voradrv-dev voradrv-tools voradrv > /dev/null
+[ -L $link ] && fail "the link to the export outlives the package"
 echo "check-packages: installed, run and removed"

@@ -6,7 +6,8 @@
 # configuration and libcrypt for its bcrypt passwords). With --tests,
 # also what only the tests use: GoogleTest; cram (python3-cram), which runs
 # voractl's transcripts; curl and openssl, the exporter's HTTP client and
-# its test certificate; chromium, which opens the board page headless;
+# its test certificate; chromium, which opens the board page headless,
+# driven by Selenium (python3-selenium, through chromium-driver);
 # promtool
 # and the Prometheus server (package prometheus), which check the exports,
 # the alerting rules and scrape the exporter; prometheus-node-exporter,
@@ -22,8 +23,8 @@ packages=(cmake g++ make pkg-config libjansson-dev libmicrohttpd-dev zlib1g-dev 
           libcrypt-dev)
 if [ "${1:-}" = --tests ]; then
     shift
-    packages+=(binutils googletest libgtest-dev libgmock-dev python3-cram curl openssl chromium systemd prometheus
-               prometheus-node-exporter)
+    packages+=(binutils googletest libgtest-dev libgmock-dev python3-cram curl openssl chromium
+               chromium-driver python3-selenium systemd prometheus prometheus-node-exporter)
 fi
 packages+=("$@")
 missing=()

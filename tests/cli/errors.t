@@ -80,18 +80,15 @@ Every command reports it, and exits 1 (list in texts.t):
   Hardware Monitor/Voltage/VCORE: 1.000 V
   Hardware Monitor/Voltage/VCORE2: N/A
   [1]
-  $ vora export --format prometheus > out.prom; echo "exit $?"; grep -E 'volts|unreadable' out.prom
+  $ vora export --format prometheus > out.prom; echo "exit $?"; grep -E '^voradrv_(volt|unreadable|published)' out.prom
   voractl: cannot read Hardware Monitor/Voltage/VCORE2: error (0xFFFFF0FF)
   exit 1
-  # HELP voradrv_voltage_volts Voltage sensor reading, in volts.
-  # TYPE voradrv_voltage_volts gauge
   voradrv_voltage_volts{sensor="VCORE"} 1
-  # HELP voradrv_voltage_max_volts The sensor's published maximum.
-  # TYPE voradrv_voltage_max_volts gauge
   voradrv_voltage_max_volts{sensor="VCORE"} 50
-  # HELP voradrv_unreadable_items Items of the board that could not be read.
-  # TYPE voradrv_unreadable_items gauge
+  voradrv_voltage_min_volts{sensor="VCORE"} 0
   voradrv_unreadable_items 1
+  voradrv_published_items{block="Platform Information"} 1
+  voradrv_published_items{block="Hardware Monitor"} 2
   $ vora watch --count 2 --interval 0.01 > out.txt; echo "exit $?"; cut -c 30- out.txt
   voractl: cannot read Hardware Monitor/Voltage/VCORE2: error (0xFFFFF0FF)
   exit 1
@@ -103,3 +100,10 @@ Every command reports it, and exits 1 (list in texts.t):
       "value": null,
       "error": "error (0xFFFFF0FF)",
       "min": 0.0,
+
+A sensor that fails its first read, as the module starts, is not published
+at all; its block counts one item less, which an alert can see:
+
+  $ sed 's/"after": 1/"times": 1/' board.json > vanished.json
+  $ voractl --sim=vanished.json --quiet export --format prometheus | grep '^voradrv_published_items{block="Hard'
+  voradrv_published_items{block="Hardware Monitor"} 1

@@ -31,19 +31,22 @@ voractl shows them, and the exporter's own; promtool accepts it:
   $ promtool check metrics < metrics
 
 The board page's JSON: the capability document as the module built it, and
-the records "voractl list --json" prints; every answer forbids content from
-anywhere else:
+the records "voractl list --json" prints, with each value's "text" and
+"limits" as voractl shows them; every answer, refusals of bad requests
+included, forbids content from anywhere else:
 
-  $ diff <(curl -s $url/api/v1/items | python3 -m json.tool --sort-keys) \
-  >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys)
+  $ diff <(curl -s $url/api/v1/items | python3 -c 'import json, sys; print(json.dumps([{k: v for k, v in r.items() if k not in ("text", "limits")} for r in json.load(sys.stdin)], indent=1, sort_keys=True))') \
+  >      <(voractl --sim --quiet list --json | python3 -m json.tool --sort-keys --indent 1)
   $ diff <(curl -s $url/api/v1/document | python3 -m json.tool --sort-keys) \
   >      <(voractl --sim --quiet caps | python3 -m json.tool --sort-keys)
   $ curl -s "$url/api/v1/samples?since=0" | python3 -c 'import json, sys; s = json.load(sys.stdin); print(s["interval"], len(s["samples"]) >= 1)'
   2 True
-  $ for path in / /page.js /api/v1/items /metrics /nothing; do
-  >   curl -s -D - -o /dev/null $url$path | grep -i '^content-security-policy' | tr -d '\r'
+  $ long=$(head -c 20000 /dev/zero | tr '\0' x)
+  $ for request in / /page.js /api/v1/items /metrics /nothing '/metrics -X POST' \
+  >     '/metrics -X GET -d body' "/metrics -H X-Long:$long" "/metrics?$long"; do
+  >   curl -s -D - -o /dev/null $url$request | grep -i '^content-security-policy' | tr -d '\r'
   > done | sort | uniq -c | sed 's/^ *//'
-  5 Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'
+  9 Content-Security-Policy: default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'
 
 Every scrape reads the board again, and sees what another process wrote:
 
@@ -74,11 +77,9 @@ accepts it:
   $ fetch -H 'Accept: application/openmetrics-text;q=0, text/plain' $url/metrics
   200 text/plain; version=0.0.4; charset=utf-8
 
-The board page links to the metrics; anything else is refused, and nothing
-over HTTP writes to the board:
+Beside the board page (serve.browser opens it), the metrics and the page's
+JSON, anything is refused, and nothing over HTTP writes to the board:
 
-  $ curl -s $url/ | grep -o '<a href="/metrics">Metrics</a>'
-  <a href="/metrics">Metrics</a>
   $ fetch $url/nothing
   404 text/plain; charset=utf-8
   $ fetch -X POST -d 'DO1/Level=1' $url/metrics
@@ -94,9 +95,9 @@ over HTTP writes to the board:
   $ fetch -I $url/metrics
   200 text/plain; version=0.0.4; charset=utf-8
   $ fetch -H "X-Long: $(head -c 20000 /dev/zero | tr '\0' x)" $url/metrics
-  431 
+  431 text/plain; charset=utf-8
   $ fetch "$url/metrics?$(head -c 20000 /dev/zero | tr '\0' x)"
-  414 
+  414 text/plain; charset=utf-8
   $ voractl --sim get DO1/Level
   low
 
@@ -142,17 +143,22 @@ reads (initialise makes the first):
   $ stop
   exit 0
 
-A module that does not come up leaves the exporter serving voradrv_up 0,
-and trying again, a little later each time:
+A module that does not come up leaves the exporter serving voradrv_up 0
+with the status and time of the failure, and trying again, a little later
+each time; once up, it publishes its items, and the failure stays told:
 
   $ cat > late.json <<'JSON'
   > {"board": {"name": "VB-1"}, "faults": [{"function": "VoraLibInitialize", "status": "0xFFFFF0FF", "times": 1}]}
   > JSON
   $ serve --sim=late.json --quiet
-  $ curl -s $url/metrics | grep -E '^voradrv_up'
+  $ curl -s $url/metrics | grep -E '^voradrv_(up|last_initialize|published|build)'
+  voradrv_build_info{version="1.0.0"} 1
+  voradrv_last_initialize_error_timestamp_seconds{error="error (0xFFFFF0FF)"} 1*.* (glob)
   voradrv_up 0
   $ for i in $(seq 50); do curl -s $url/metrics | grep -q '^voradrv_up 1' && break; sleep 0.1; done; echo "tries $((i < 50))"
   tries 1
+  $ curl -s $url/metrics | grep -cE '^voradrv_(published_items|last_initialize_error)'
+  2
   $ stop
   exit 0
   $ sed 's/(.*)/(STATUS)/' serve.err

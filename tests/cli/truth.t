@@ -43,19 +43,15 @@ blocks under one id, and reads a lit panel as 0:
     "value": 45.8,
     "raw": 3189.0,
     "min": 0.0,
-    "max": 100.0
+    "max": 100.0,
+    "alarm": false
   }
-  $ vora export --format prometheus | grep -E '^voradrv_(temperature|voltage)'
+  $ vora export --format prometheus | grep -E '^voradrv_(temperature_celsius|voltage_volts)'
   voradrv_voltage_volts{sensor="V5"} 5.034
   voradrv_voltage_volts{sensor="V12"} 12.05
   voradrv_voltage_volts{sensor="VBAT"} 3.011
-  voradrv_voltage_max_volts{sensor="V5"} 15
-  voradrv_voltage_max_volts{sensor="V12"} 15
-  voradrv_voltage_max_volts{sensor="VBAT"} 15
   voradrv_temperature_celsius{sensor="CPU"} 45.8
   voradrv_temperature_celsius{sensor="ChipSet"} 39.5
-  voradrv_temperature_max_celsius{sensor="CPU"} 100
-  voradrv_temperature_max_celsius{sensor="ChipSet"} 100
   $ vora export --format senml | grep -A2 Temperature
       "n": "Hardware_Monitor/Temperature/CPU",
       "u": "Cel",
@@ -94,3 +90,37 @@ The other generations' values are the module's own:
   Backlight/LVDS/Backlight: on
   $ voractl --sim --sim-generation 3 get Temperature/CPU
   +52.3 \xc2\xb0C (esc)
+
+A reading outside the range its element publishes is marked as `sensors`
+marks an alarm, after the limits, and the exit status stays 0 as with
+`sensors`. At the maximum is no alarm, a tenth above it is; a sensor that
+answers all ones and a negative rail published from 0 V are flagged too:
+
+  $ cat > rails.json <<'JSON'
+  > {"board": {"name": "VB-1"}, "sensors": {"temperature": [{"index": 0, "value": 100}, {"index": 1, "value": 100.1}, {"index": 2, "raw": "0xFFFFFFFF"}],
+  >  "voltage": [{"index": 9, "name": "VN50", "value": -5}]}}
+  > JSON
+  $ voractl --sim=rails.json list Temperature Voltage | tail -n +3
+    Voltage
+      0x102020A  VN50     -5.000 V         (min = 0.000 V, max = 50.000 V)   ALARM  read-only
+    Temperature
+      0x1020101  CPU      +100.0 \xc2\xb0C        (min = +0.0 \xc2\xb0C, max = +100.0 \xc2\xb0C)         read-only (esc)
+      0x1020102  Chipset  +100.1 \xc2\xb0C        (min = +0.0 \xc2\xb0C, max = +100.0 \xc2\xb0C)  ALARM  read-only (esc)
+      0x1020103  System   +429496456.4 \xc2\xb0C  (min = +0.0 \xc2\xb0C, max = +100.0 \xc2\xb0C)  ALARM  read-only (esc)
+  $ voractl --sim=rails.json get VN50 Temperature/CPU
+  Hardware Monitor/Voltage/VN50: -5.000 V  ALARM
+  Hardware Monitor/Temperature/CPU: +100.0 \xc2\xb0C (esc)
+  $ voractl --sim=rails.json --raw get VN50
+  -5
+  $ voractl --sim=rails.json watch --count 1 VN50 Temperature/CPU | cut -d ' ' -f 2-
+   Voltage/VN50=-5.000 V ALARM  Temperature/CPU=+100.0 \xc2\xb0C (esc)
+  $ voractl --sim=rails.json list --json VN50 Chipset | grep alarm
+      "alarm": true
+      "alarm": true
+
+The alarm is the true value's: an Embedded API temperature of 0 (tenths of
+a kelvin) is -273.1 °C, below the published minimum, also where --raw shows 0:
+
+  $ echo '{"board": {"name": "VB-1"}, "sensors": {"temperature": [{"index": 0, "raw": "0"}]}}' > cold.json
+  $ vora --sim=cold.json --raw list Temperature | tail -1
+      0x1020101  CPU  0  (min = +0.0 \xc2\xb0C, max = +100.0 \xc2\xb0C)  ALARM  read-only (esc)

@@ -8,13 +8,12 @@ with bcrypt hashes.
   > tls_server_config:
   >   cert_file: cert.pem
   >   key_file: key.pem
-  >   min_version: TLS12
   > basic_auth_users:
   >   prometheus: $2b$10$0MAwyrQ7Llxs4zKPYrI64Ozv282ZHFQ714frgIjs2CUMC.jW2mpHe
   > YAML
   $ serve() {
   >   : > serve.err
-  >   voractl --sim --quiet serve --listen 127.0.0.1:0 "$@" 2> serve.err &
+  >   voractl --sim --quiet $trace serve --listen 127.0.0.1:0 "$@" 2> serve.err &
   >   server=$!
   >   for i in $(seq 100); do grep -q serving serve.err && break; sleep 0.05; done
   >   address=$(grep -o -m 1 '127.0.0.1:[0-9]*' serve.err)
@@ -36,29 +35,66 @@ with bcrypt hashes.
   $ fetch --cacert cert.pem -u nobody:scrape-me https://$address/metrics
   401
 
-Plain HTTP on the TLS port, and a TLS version below the one allowed, get no
-answer; the next scrape is answered:
+Plain HTTP on the TLS port gets no answer. Without a min_version, TLS 1.2
+is the least offered, with forward-secret key exchange and AEAD ciphers
+only: a client that would take anything gets no handshake with TLS 1.0 or
+1.1 or a CBC cipher. The next scrape is answered:
 
-  $ fetch http://$address/metrics
+  $ fetch http://$address/metrics || echo "no answer"
   000
-  [52]
-  $ fetch --cacert cert.pem --tls-max 1.1 -u prometheus:scrape-me https://$address/metrics
-  000
-  [35]
+  no answer
+  $ handshake() { echo | openssl s_client -connect $address "$@" 2>&1 | grep -o -m 1 'Cipher is .*'; }
+  $ handshake -tls1 -cipher 'DEFAULT:@SECLEVEL=0'
+  Cipher is (NONE)
+  $ handshake -tls1_1 -cipher 'DEFAULT:@SECLEVEL=0'
+  Cipher is (NONE)
+  $ handshake -tls1_2 -cipher 'AES128-SHA:ECDHE-RSA-AES128-SHA:DHE-RSA-AES128-GCM-SHA256:@SECLEVEL=0'
+  Cipher is (NONE)
+  $ handshake -tls1_2
+  Cipher is ECDHE-RSA-AES128-GCM-SHA256
   $ fetch --cacert cert.pem -u prometheus:scrape-me https://$address/metrics
   200
   $ kill -TERM $server; wait $server; echo "exit $?"
   exit 0
 
-Basic auth alone, on plain HTTP:
+Basic auth alone, on plain HTTP. SIGHUP rereads the file, and the
+certificate and key it names, while the module stays up: a file that
+cannot be served leaves the configuration in use, and says so; one that
+can serves every connection from then on:
 
   $ printf 'basic_auth_users:\n  prometheus: $2b$10$0MAwyrQ7Llxs4zKPYrI64Ozv282ZHFQ714frgIjs2CUMC.jW2mpHe\n' > auth.yml
-  $ serve --web-config auth.yml
+  $ trace=--trace serve --web-config auth.yml
   $ fetch -u prometheus:scrape-me http://$address/metrics
   200
   $ fetch http://$address/metrics
   401
-  $ kill -TERM $server; wait $server
+  $ hup() {
+  >   cp "$1" auth.yml; kill -HUP $server
+  >   for i in $(seq 100); do [ "$(grep -c SIGHUP serve.err)" = "$2" ] && break; sleep 0.05; done
+  > }
+  $ printf 'basic_auth_users:\n  prometheus: $2y$10$short\n' > broken.yml
+  $ hup broken.yml 1
+  $ fetch -u prometheus:scrape-me http://$address/metrics
+  200
+  $ hup web.yml 2
+  $ fetch --cacert cert.pem -u prometheus:scrape-me https://$address/metrics
+  200
+  $ fetch http://$address/metrics || echo "no answer"
+  000
+  no answer
+  $ kill -TERM $server; wait $server; echo "exit $?"
+  exit 0
+  $ grep -E '^(VoraLib|voractl: SIGHUP)' serve.err | sed 's/ =.*//'
+  VoraLibInitialize()
+  voractl: SIGHUP: web configuration auth.yml: basic_auth_users.prometheus: not a bcrypt hash (as htpasswd -B writes it: $2b$, a cost from 04 to 31, $ and 53 characters); the web configuration in use is kept
+  voractl: SIGHUP: serving with the web configuration auth.yml as reread (basic auth)
+  VoraLibUninitialize()
+  $ voractl --sim --quiet serve --listen 127.0.0.1:0 2> serve.err & server=$!
+  $ for i in $(seq 100); do grep -q serving serve.err && break; sleep 0.05; done
+  $ kill -HUP $server; kill -TERM $server; wait $server; echo "exit $?"
+  exit 0
+  $ grep SIGHUP serve.err
+  voractl: SIGHUP: there is no --web-config to reread
 
 What the exporter cannot do is refused by name, before it listens:
 
@@ -81,10 +117,20 @@ What the exporter cannot do is refused by name, before it listens:
   $ refused 'tls_server_config:\n  cert_file: key.pem\n  key_file: cert.pem\n'
   libmicrohttpd: GnuTLS failed to setup x509 certificate/key: The requested data were not available.
   libmicrohttpd: Failed to initialize TLS support.
-  voractl: cannot listen on 127.0.0.1:0 with TLS (is the key the certificate's?)
+  voractl: cannot serve TLS with this certificate and key (is the key the certificate's?)
   [1]
   $ refused 'basic_auth_users:\n  prometheus: plain-text\n'
-  voractl: web configuration bad.yml: basic_auth_users.prometheus: expected a bcrypt hash ($2a$, $2b$ or $2y$)
+  voractl: web configuration bad.yml: basic_auth_users.prometheus: not a bcrypt hash (as htpasswd -B writes it: $2b$, a cost from 04 to 31, $ and 53 characters)
+  [1]
+  $ refused 'basic_auth_users:\n  prometheus: $2y$10$short\n'
+  voractl: web configuration bad.yml: basic_auth_users.prometheus: not a bcrypt hash (as htpasswd -B writes it: $2b$, a cost from 04 to 31, $ and 53 characters)
+  [1]
+  $ refused ''
+  voractl: web configuration bad.yml: empty: give tls_server_config or basic_auth_users, or leave out --web-config
+  [1]
+  $ : > empty.pem
+  $ refused 'tls_server_config:\n  cert_file: empty.pem\n  key_file: key.pem\n'
+  voractl: web configuration bad.yml: tls_server_config: empty.pem is empty
   [1]
   $ refused 'http_server_config:\n  http2: true\n'
   voractl: web configuration bad.yml: http_server_config: not supported: libmicrohttpd serves HTTP/1.1 only and the exporter sets its own headers

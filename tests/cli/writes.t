@@ -129,6 +129,7 @@ value back; the third generation refuses a brightness below its minimum so:
     "value": 70,
     "min": 10.0,
     "max": 255.0,
+    "alarm": false,
     "written": 5,
     "outcome": "differs",
     "reason": "wrote 5, the board reads 70"

@@ -152,7 +152,10 @@ int Get(Context& context) {
         return ReportFailures(readings);
     }
     for (const Reading& reading : readings) {
-        const std::string value = ShownValue(reading);
+        // An alarm is marked as `sensors` marks it; a bare value (--raw)
+        // stays a number alone, for scripts.
+        const std::string value =
+            ShownValue(reading) + (reading.alarm && !reading.bare ? "  ALARM" : "");
         if (readings.size() == 1) {
             std::fprintf(context.out, "%s\n", value.c_str());
         } else {

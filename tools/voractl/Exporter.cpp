@@ -3,12 +3,12 @@
 #include <time.h>
 
 #include <cstdio>
-#include <sstream>
 
 #include "Format.h"
 #include "Prometheus.h"
 #include "Reading.h"
 #include "Session.h"
+#include "Table.h"
 
 namespace voractl {
 
@@ -31,6 +31,7 @@ std::string Exporter::read() {
     const double start = Seconds();
     std::string text;
     bool up = false;
+    std::string failure;
     {
         std::lock_guard<std::mutex> lock(module_);
         if (session_.opened()) {
@@ -46,46 +47,78 @@ std::string Exporter::read() {
         } else {
             text = PrometheusText({});  // nothing read, nothing unreadable
         }
+        if (failedAt_ > 0) {
+            char at[32];
+            std::snprintf(at, sizeof at, "%.3f", failedAt_);
+            failure = std::string("# HELP voradrv_last_initialize_error_timestamp_seconds When "
+                                  "initialising the module last failed, and the status it gave.\n"
+                                  "# TYPE voradrv_last_initialize_error_timestamp_seconds gauge\n"
+                                  "voradrv_last_initialize_error_timestamp_seconds{error=\"") +
+                      StatusText(failure_) + "\"} " + at + "\n";
+        }
     }
     char duration[32];
     std::snprintf(duration, sizeof duration, "%.6f", Seconds() - start);
-    return text +
+    return text + failure +
            Gauge("voradrv_up", "1 when the module is up and its board library answered every item.",
                  up ? "1" : "0") +
            Gauge("voradrv_scrape_duration_seconds", "Time this scrape took to read the board.",
                  duration);
 }
 
-std::shared_ptr<const std::string> Exporter::scrape() {
+void Exporter::scrape(std::chrono::steady_clock::time_point arrived, Scraped done) {
     std::unique_lock<std::mutex> lock(shared_);
+    // A reading that ended after the scrape arrived was under way then (or
+    // began since): it is as fresh as the scrape asks.
+    if (latest_ != nullptr && finished_ >= arrived) {
+        const std::shared_ptr<const Exposition> latest = latest_;
+        lock.unlock();
+        done(latest, nullptr);
+        return;
+    }
     if (reading_) {
-        const uint64_t under_way = readings_;
-        done_.wait(lock, [&] { return readings_ != under_way; });
-        return latest_;
+        waiting_.push_back(std::move(done));
+        return;
     }
     reading_ = true;
     lock.unlock();
-    std::shared_ptr<const std::string> result;
+    std::shared_ptr<const Exposition> result;
+    std::exception_ptr error;
     try {
-        result = std::make_shared<const std::string>(read());
+        result = std::make_shared<const Exposition>(read());
     } catch (...) {
-        lock.lock();
-        reading_ = false;
-        ++readings_;
-        done_.notify_all();
-        throw;
+        error = std::current_exception();
     }
     lock.lock();
-    latest_ = result;
+    if (result != nullptr) {
+        latest_ = result;
+        finished_ = std::chrono::steady_clock::now();
+    }
     reading_ = false;
-    ++readings_;
-    done_.notify_all();
-    return result;
+    std::vector<Scraped> waiting;
+    waiting.swap(waiting_);
+    lock.unlock();
+    for (const Scraped& shared : waiting) {
+        try {
+            shared(result, error);
+        } catch (...) {
+            // Each answers for itself; the others are still answered.
+        }
+    }
+    done(result, error);
 }
 
 uint32_t Exporter::tryOpen() {
     std::lock_guard<std::mutex> lock(module_);
-    return session_.opened() ? 0 : session_.tryOpen();
+    if (session_.opened()) {
+        return 0;
+    }
+    const uint32_t status = session_.tryOpen();
+    if (status != 0) {
+        failedAt_ = UnixTime();
+        failure_ = status;
+    }
+    return status;
 }
 
 bool Exporter::opened() {
@@ -100,7 +133,21 @@ void Exporter::close() {
 
 JsonPtr Exporter::records() {
     std::lock_guard<std::mutex> lock(module_);
-    return Own(session_.opened() ? RecordsJson(session_.readAll(session_.items())) : json_array());
+    if (!session_.opened()) {
+        return Own(json_array());
+    }
+    const std::vector<Reading> readings = session_.readAll(session_.items());
+    JsonPtr records = Own(RecordsJson(readings));
+    // The page shows values and limits in voractl's words, from here.
+    for (size_t i = 0; i < readings.size(); ++i) {
+        json_t* record = json_array_get(records.get(), i);
+        json_object_set_new(record, "text", json_string(ShownValue(readings[i]).c_str()));
+        const std::string limits = LimitsText(*readings[i].item);
+        if (!limits.empty()) {
+            json_object_set_new(record, "limits", json_string(limits.c_str()));
+        }
+    }
+    return records;
 }
 
 std::string Exporter::document() {
@@ -118,24 +165,6 @@ std::string Exporter::library() {
                                  GenerationText(library->generation), "path",
                                  library->path.c_str()));
     return JsonText(json.get());
-}
-
-std::string OpenMetricsText(const std::string& text) {
-    // Only counters end in "_total" in our exposition (the naming guide's
-    // rule), so every such family is a counter's.
-    std::istringstream in(text);
-    std::string line;
-    std::string out;
-    while (std::getline(in, line)) {
-        if (line.rfind("# HELP ", 0) == 0 || line.rfind("# TYPE ", 0) == 0) {
-            const size_t end = line.find(' ', 7);
-            if (end != std::string::npos && end >= 7 + 6 && line.compare(end - 6, 6, "_total") == 0) {
-                line.erase(end - 6, 6);
-            }
-        }
-        out += line + "\n";
-    }
-    return out + "# EOF\n";
 }
 
 }  // namespace voractl

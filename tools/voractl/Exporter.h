@@ -2,12 +2,16 @@
 // read from the module on demand, one reading at a time.
 #pragma once
 
-#include <condition_variable>
+#include <chrono>
 #include <cstdint>
+#include <exception>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
+#include "Exposition.h"
 #include "Truth.h"
 
 namespace voractl {
@@ -18,11 +22,17 @@ class Exporter {
 public:
     explicit Exporter(Session& session) : session_(session) {}
 
-    // The metrics of a fresh reading of the board. Only one thread reads
-    // the module at a time; a scrape that arrives while a reading is under
-    // way waits for it and shares its result, so a burst of scrapes costs
-    // the board one reading.
-    std::shared_ptr<const std::string> scrape();
+    // The metrics of a fresh reading of the board, or why it failed.
+    using Scraped = std::function<void(std::shared_ptr<const Exposition>, std::exception_ptr)>;
+
+    // Calls `done` with the metrics of a fresh reading for a scrape that
+    // arrived at `arrived`. Only one thread reads the module at a time: a
+    // scrape that arrives while a reading is under way shares it, and its
+    // `done` is called by the reading thread when the reading is over (no
+    // thread waits); one that comes when no reading is under way reads on
+    // the caller's thread. A burst of scrapes costs the board one reading,
+    // and each form of it is built once.
+    void scrape(std::chrono::steady_clock::time_point arrived, Scraped done);
 
     // Initialises the module when it is not up; its status (0: up). Called
     // by the retry loop; waits for a reading under way.
@@ -32,10 +42,11 @@ public:
     void close();
 
     // For the board page, each under the same lock as the scrapes: every
-    // item's record as "voractl list --json" gives it (an empty array while
-    // the module is not up); the capability document as the module built
-    // it (null while it is not up); the board library the module bound,
-    // {"name", "generation", "path"} (null: none).
+    // item's record as "voractl list --json" gives it, with "text" (the
+    // value as voractl shows it) and "limits" (as voractl list shows them),
+    // an empty array while the module is not up; the capability document as
+    // the module built it (null while it is not up); the board library the
+    // module bound, {"name", "generation", "path"} (null: none).
     JsonPtr records();
     std::string document();
     std::string library();
@@ -47,14 +58,14 @@ private:
     std::mutex module_;  // held by whoever calls into the module
 
     std::mutex shared_;  // guards what follows
-    std::condition_variable done_;
     bool reading_ = false;
-    uint64_t readings_ = 0;  // readings finished
-    std::shared_ptr<const std::string> latest_;
-};
+    std::vector<Scraped> waiting_;  // for the reading under way
+    std::shared_ptr<const Exposition> latest_;
+    std::chrono::steady_clock::time_point finished_;  // when latest_ was read
 
-// The text format as OpenMetrics 1.0 writes it: a counter's family named
-// without its "_total", and "# EOF" at the end.
-std::string OpenMetricsText(const std::string& text);
+    // The last time initialise failed, and its status (under module_).
+    double failedAt_ = 0;
+    uint32_t failure_ = 0;
+};
 
 }  // namespace voractl

@@ -1,22 +1,27 @@
-// The exporter's HTTP side, on libmicrohttpd: "/" the board page (with its
-// script and style), "/metrics" the board's metrics (OpenMetrics when the
-// scraper asks for it), "/api/v1/..." the page's JSON; gzip when the client
-// accepts it. Read-only: GET and HEAD, nothing else. Every answer carries a
-// content security policy that allows nothing from elsewhere.
+// The exporter's HTTP side, on libmicrohttpd. One thread serves every
+// connection (epoll), so slow or idle clients cost a socket, not a thread;
+// what a request asks of the site (reading the board) runs on worker
+// threads while its connection waits aside, and basic-auth checks on a
+// thread of their own. Read-only: GET and HEAD, no request body. Every
+// answer carries the same protective headers: its type is what it says,
+// nothing from elsewhere runs in it, and nothing keeps it.
 #pragma once
 
 #include <sys/socket.h>
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "WebConfig.h"
 
-struct MHD_Daemon;
-
 namespace voractl {
+
+class HttpCore;
 
 // Where to listen: "ADDR:PORT", "[IPv6]:PORT" or ":PORT" (every address).
 struct ListenAddress {
@@ -27,45 +32,74 @@ struct ListenAddress {
 // Throws a usage ToolError naming what is wrong.
 ListenAddress ParseListenAddress(const std::string& text);
 
+// What a request asks, copied out of the connection so that it can be
+// answered on another thread.
+struct HttpRequest {
+    std::chrono::steady_clock::time_point arrived;  // when its line and headers were in
+    std::string path;
+    std::vector<std::pair<std::string, std::string>> headers;
+    std::vector<std::pair<std::string, std::string>> arguments;  // of the query
+
+    // The header's value (its name in any case), or null.
+    const char* header(const std::string& name) const;
+    // The query argument's value, or null.
+    const char* argument(const std::string& name) const;
+};
+
+// An answer. Its body is sent from where it is, never copied, and may be
+// shared with other answers (the forms of one reading of the board are).
+struct HttpReply {
+    unsigned status = 200;
+    std::shared_ptr<const std::string> body;
+    std::string type;   // Content-Type
+    bool gzip = false;  // the body is gzip (Content-Encoding)
+
+    // `status` with a line of plain text.
+    static HttpReply Text(unsigned status, const std::string& text);
+    // 200 with `text` of `type`, gzipped when the request accepts it.
+    static HttpReply Content(const HttpRequest& request, std::string text, std::string type);
+};
+
 // What a request may cost the exporter.
 struct HttpLimits {
-    unsigned connections = 64;     // open at once; more are refused
-    unsigned timeoutSeconds = 10;  // an idle or slow client is cut after this
-    size_t requestBytes = 16384;   // request line and headers; more get 431 or 414
+    unsigned connections = 1024;    // open at once (fewer when fewer files may be open)
+    unsigned deadlineSeconds = 10;  // to send a request whole, from connecting or from
+                                    // the previous answer; and to take an answer
+    size_t requestBytes = 16384;    // request line and headers; more get 414 or 431
 };
 
 class HttpServer {
 public:
-    // What the server answers with: the metrics text, fresh for each
-    // scrape, and the board page's JSON (document, library, items, samples
-    // after a sequence number).
-    struct Site {
-        std::function<std::shared_ptr<const std::string>()> metrics;
-        std::function<std::string()> document;
-        std::function<std::string()> library;
-        std::function<std::string()> items;
-        std::function<std::string(uint64_t)> samples;
-    };
+    // Answers what a request asks: called on a worker thread, it calls
+    // `reply` once, then or later, from any thread (a scrape answers when
+    // the reading it shares is done, so no thread waits for it). Throwing
+    // instead gives a 500.
+    using Reply = std::function<void(HttpReply)>;
+    using Site = std::function<void(const HttpRequest&, const Reply& reply)>;
 
-    // Starts serving on its own threads, with TLS and basic auth as `web`
-    // says; throws ToolError when the address cannot be had or TLS cannot
-    // start with the certificate and key.
+    // Starts serving, with TLS and basic auth as `web` says; throws
+    // ToolError when the address cannot be had or TLS cannot start with the
+    // certificate and key.
     HttpServer(const ListenAddress& listen, const HttpLimits& limits, const WebConfig& web,
                Site site);
-    // Stops: the listening socket and every connection closed, the
-    // connections' threads ended.
+    // Stops: no new connections, the answers under way finished, every
+    // connection closed and every thread ended.
     ~HttpServer();
     HttpServer(const HttpServer&) = delete;
     HttpServer& operator=(const HttpServer&) = delete;
+
+    // Serves new connections with `web` from now on, on the same socket, so
+    // that no client is refused meanwhile; connections already open finish
+    // their answers with the configuration they began with. Throws ToolError
+    // (the configuration in use kept) when TLS cannot start with `web`.
+    void reload(const WebConfig& web);
 
     // The port actually bound (the one asked for, or the system's choice
     // for port 0).
     unsigned port() const;
 
 private:
-    struct Handler;
-    std::unique_ptr<Handler> handler_;
-    MHD_Daemon* daemon_ = nullptr;
+    std::unique_ptr<HttpCore> core_;
 };
 
 }  // namespace voractl

@@ -39,6 +39,12 @@ struct Item {
     bool twoState() const { return twoStateKind() != nullptr; }
     // The published limits, when they make a range (min <= max).
     bool ranged() const { return minimum && maximum && *minimum <= *maximum; }
+    // True when `value` lies outside the published range (what `sensors`
+    // calls an alarm); the one test behind every mark of an alarm and every
+    // refusal of a write out of range.
+    bool outside(double value) const {
+        return ranged() && !(value >= *minimum && value <= *maximum);
+    }
 };
 
 // Every element of every block, in document order; elements of one group

@@ -23,9 +23,10 @@ struct Metric {
     std::string help;
     std::string type = "gauge";
     double scale = 1.0;
-    // The family of the element's published maximum, for sensors (empty:
-    // none), so that an alert can compare a reading with it.
+    // The families of the element's published maximum and minimum, for
+    // sensors (empty: none), so that an alert can compare a reading with them.
     std::string maximum = "";
+    std::string minimum = "";
 };
 
 std::string Escaped(const std::string& text) {
@@ -71,13 +72,13 @@ std::string WithoutRepeat(const std::string& prefix, std::string name) {
 Metric HardwareMonitorMetric(const Item& item) {
     static const std::map<std::string, Metric> kSensors = {
         {"Cel", {"voradrv_temperature_celsius", "Temperature sensor reading, in degrees Celsius.",
-                 "gauge", 1.0, "voradrv_temperature_max_celsius"}},
+                 "gauge", 1.0, "voradrv_temperature_max_celsius", "voradrv_temperature_min_celsius"}},
         {"V", {"voradrv_voltage_volts", "Voltage sensor reading, in volts.", "gauge", 1.0,
-               "voradrv_voltage_max_volts"}},
+               "voradrv_voltage_max_volts", "voradrv_voltage_min_volts"}},
         {"RPM", {"voradrv_fan_rpm", "Fan speed, in revolutions per minute.", "gauge", 1.0,
-                 "voradrv_fan_max_rpm"}},
+                 "voradrv_fan_max_rpm", "voradrv_fan_min_rpm"}},
         {"A", {"voradrv_current_amperes", "Current sensor reading, in amperes.", "gauge", 1.0,
-               "voradrv_current_max_amperes"}}};
+               "voradrv_current_max_amperes", "voradrv_current_min_amperes"}}};
     const auto found = kSensors.find(item.unit);
     if (found != kSensors.end()) {
         return found->second;
@@ -214,8 +215,13 @@ std::string PrometheusText(const std::vector<Reading>& readings) {
     InfoLabels board;
     std::vector<std::pair<const Item*, InfoLabels>> groupInfo;  // per block and group, in order
     int unreadable = 0;
+    std::vector<std::pair<std::string, int>> published;  // items per block, in order
     for (const Reading& reading : readings) {
         const Item& item = *reading.item;
+        if (published.empty() || published.back().first != item.block) {
+            published.emplace_back(item.block, 0);
+        }
+        ++published.back().second;
         if (!reading.value) {
             ++unreadable;
             continue;
@@ -260,6 +266,10 @@ std::string PrometheusText(const std::vector<Reading>& readings) {
             exposition.add(metric.maximum, "The sensor's published maximum.", "gauge", labels,
                            Number(*item.maximum), item.id);
         }
+        if (!metric.minimum.empty() && item.minimum) {
+            exposition.add(metric.minimum, "The sensor's published minimum.", "gauge", labels,
+                           Number(*item.minimum), item.id);
+        }
     }
     if (!board.text().empty()) {
         exposition.add("voradrv_board_info", "Board strings of the platform information.",
@@ -272,6 +282,16 @@ std::string PrometheusText(const std::vector<Reading>& readings) {
     }
     exposition.add("voradrv_unreadable_items", "Items of the board that could not be read.",
                    "gauge", "", std::to_string(unreadable), 0);
+    // The module publishes only the items that answered when it started, so
+    // an item that failed then is missing for its whole life: a drop against
+    // the board's history is how it shows.
+    for (const auto& [block, count] : published) {
+        exposition.add("voradrv_published_items",
+                       "Items the module published for a block when it was initialised.", "gauge",
+                       Label("block", block), std::to_string(count), 0);
+    }
+    exposition.add("voradrv_build_info", "The version of voractl that wrote these metrics; value 1.",
+                   "gauge", Label("version", VORACTL_VERSION), "1", 0);
     return exposition.text();
 }
 

@@ -38,6 +38,9 @@ json_t* ReadingJson(const Reading& reading) {
         json_object_set_new(record, "min", json_real(*item.minimum));
         json_object_set_new(record, "max", json_real(*item.maximum));
     }
+    if (item.ranged() && reading.value) {
+        json_object_set_new(record, "alarm", json_boolean(reading.alarm));
+    }
     if (!item.sharing.empty()) {
         json_t* names = json_array();
         for (const std::string& name : item.sharing) {

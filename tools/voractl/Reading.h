@@ -19,6 +19,7 @@ struct Reading {
     JsonPtr raw{nullptr, &json_decref};    // the module's, when it differs from `value`
     uint32_t status = 0;                   // the module's answer
     bool bare = false;                     // shown as the module's number (--raw)
+    bool alarm = false;                    // the true value lies outside the published range
 };
 
 // The value as people read it, or "N/A" when it could not be read; a bare
@@ -28,8 +29,9 @@ std::string ShownValue(const Reading& reading);
 // A new record {"id", "path", "block", "group", "name", "unit", "access",
 // "value"}, with "min" and "max" when the element publishes them, "raw"
 // (the module's value) when it differs from the true value, "shares_id_with"
-// for an id other sensors were published with, and, when the read failed,
-// "value" null with an "error" beside it. The caller owns it.
+// for an id other sensors were published with, "alarm" (true when the value
+// lies outside min..max) beside a published range, and, when the read
+// failed, "value" null with an "error" beside it. The caller owns it.
 json_t* ReadingJson(const Reading& reading);
 // An array of the readings' records. The caller owns it.
 json_t* RecordsJson(const std::vector<Reading>& readings);

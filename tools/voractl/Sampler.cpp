@@ -15,20 +15,35 @@ namespace voractl {
 
 namespace {
 
-// {"<id>": value} of a records array.
-std::string Values(const json_t* records) {
+// What a sample keeps of a records array: {"<id>": value}, {"<id>": text}
+// and [ids in alarm].
+struct Taken {
+    std::string values, texts, alarms;
+};
+
+Taken Take(const json_t* records) {
     JsonPtr values = Own(json_object());
+    JsonPtr texts = Own(json_object());
+    JsonPtr alarms = Own(json_array());
     size_t i;
     json_t* record;
     json_array_foreach(records, i, record) {
         const json_t* id = json_object_get(record, "id");
+        if (!json_is_integer(id)) {
+            continue;
+        }
+        const std::string key = std::to_string(json_integer_value(id));
         const json_t* value = json_object_get(record, "value");
-        if (json_is_integer(id)) {
-            json_object_set(values.get(), std::to_string(json_integer_value(id)).c_str(),
-                            value != nullptr ? const_cast<json_t*>(value) : json_null());
+        json_object_set(values.get(), key.c_str(),
+                        value != nullptr ? const_cast<json_t*>(value) : json_null());
+        if (json_t* text = json_object_get(record, "text")) {
+            json_object_set(texts.get(), key.c_str(), text);
+        }
+        if (json_is_true(json_object_get(record, "alarm"))) {
+            json_array_append(alarms.get(), const_cast<json_t*>(id));
         }
     }
-    return JsonText(values.get());
+    return {JsonText(values.get()), JsonText(texts.get()), JsonText(alarms.get())};
 }
 
 }  // namespace
@@ -37,6 +52,7 @@ Sampler::Sampler(Read read, double interval, size_t keep, double idleAfter)
     : read_(std::move(read)),
       interval_(interval),
       keep_(keep),
+      started_(UnixTime()),
       idleAfter_(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
           std::chrono::duration<double>(idleAfter))),
       thread_([this] { run(); }) {}
@@ -51,18 +67,21 @@ Sampler::~Sampler() {
 }
 
 void Sampler::take() {
-    std::string items, values;
+    std::string items;
+    Taken taken;
     try {
         const JsonPtr records = read_();
         items = JsonText(records.get());
-        values = Values(records.get());
+        taken = Take(records.get());
     } catch (const std::exception& e) {
         std::fprintf(stderr, "voractl: cannot sample the board: %s\n", e.what());
         return;
     }
     std::lock_guard<std::mutex> lock(mutex_);
     items_ = std::move(items);
-    ring_.push_back(Sample{++seq_, UnixTime(), values});
+    texts_ = std::move(taken.texts);
+    alarms_ = std::move(taken.alarms);
+    ring_.push_back(Sample{++seq_, UnixTime(), std::move(taken.values)});
     while (ring_.size() > keep_) {
         ring_.pop_front();
     }
@@ -113,9 +132,9 @@ std::string Sampler::items() {
 std::string Sampler::samples(uint64_t since) {
     std::lock_guard<std::mutex> lock(mutex_);
     touch();
-    char head[96];
-    std::snprintf(head, sizeof head, "{\"interval\":%g,\"last\":%llu,\"samples\":[", interval_,
-                  static_cast<unsigned long long>(seq_));
+    char head[128];
+    std::snprintf(head, sizeof head, "{\"interval\":%g,\"started\":%.3f,\"last\":%llu,\"samples\":[",
+                  interval_, started_, static_cast<unsigned long long>(seq_));
     std::string out = head;
     bool first = true;
     for (const Sample& sample : ring_) {
@@ -128,7 +147,7 @@ std::string Sampler::samples(uint64_t since) {
         out += fields + sample.values + "}";
         first = false;
     }
-    return out + "]}";
+    return out + (first ? "]}" : "],\"texts\":" + texts_ + ",\"alarms\":" + alarms_ + "}");
 }
 
 }  // namespace voractl

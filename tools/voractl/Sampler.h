@@ -36,8 +36,12 @@ public:
     // The latest records, as "voractl list --json" prints them; when the
     // sampler was idle, those of a fresh reading.
     std::string items();
-    // {"interval": S, "last": N, "samples": [{"seq", "time", "values":
-    // {"<id>": value}}]}: the kept samples after `since` (0: all of them).
+    // {"interval": S, "started": T, "last": N, "samples": [{"seq", "time",
+    // "values": {"<id>": value}}]}: the kept samples after `since` (0: all
+    // of them); with any, the newest one's "texts" {"<id>": the value as
+    // voractl shows it} and "alarms" [ids of values outside their range].
+    // "started" (when this exporter started, in seconds since 1970) tells a
+    // page that the exporter was restarted, and its numbering with it.
     std::string samples(uint64_t since);
 
 private:
@@ -55,6 +59,7 @@ private:
     const Read read_;
     const double interval_;
     const size_t keep_;
+    const double started_;  // seconds since 1970
     std::mutex mutex_;
     std::condition_variable wake_;   // the sampling thread's: a stop or a request
     std::condition_variable taken_;  // a sample was taken
@@ -63,6 +68,8 @@ private:
     std::chrono::steady_clock::time_point lastRequest_{};
     const std::chrono::steady_clock::duration idleAfter_;
     std::string items_ = "[]";
+    std::string texts_ = "{}";   // of the newest sample
+    std::string alarms_ = "[]";  // of the newest sample
     std::deque<Sample> ring_;
     uint64_t seq_ = 0;
     std::thread thread_;

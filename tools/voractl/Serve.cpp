@@ -3,6 +3,7 @@
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <signal.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,6 +15,7 @@
 #include "Http.h"
 #include "Sampler.h"
 #include "Session.h"
+#include "Site.h"
 
 namespace voractl {
 
@@ -32,6 +34,47 @@ std::string AddressText(const ListenAddress& listen, unsigned port) {
     return std::string(host) + ":" + std::to_string(port);
 }
 
+// The limits, with as many connections as the process may open files for
+// (less a margin for the module and the board library). Like Go's servers,
+// the exporter first raises its own limit on open files to the most the
+// system lets it have.
+HttpLimits Limits() {
+    HttpLimits limits;
+    rlimit files{};
+    if (getrlimit(RLIMIT_NOFILE, &files) == 0) {
+        if (files.rlim_cur < files.rlim_max) {
+            files.rlim_cur = files.rlim_max;
+            setrlimit(RLIMIT_NOFILE, &files);
+            getrlimit(RLIMIT_NOFILE, &files);
+        }
+        const rlim_t margin = 64;
+        if (files.rlim_cur < limits.connections + margin) {
+            limits.connections =
+                static_cast<unsigned>(files.rlim_cur > 2 * margin ? files.rlim_cur - margin : margin);
+        }
+    }
+    return limits;
+}
+
+// Rereads the web configuration (and its certificate and key) into the
+// server; a configuration that cannot be read or served leaves the one in
+// use, and says so.
+void Reload(HttpServer& server, const std::string& path) {
+    if (path.empty()) {
+        std::fprintf(stderr, "voractl: SIGHUP: there is no --web-config to reread\n");
+        return;
+    }
+    try {
+        const WebConfig web = LoadWebConfig(path);
+        server.reload(web);
+        std::fprintf(stderr, "voractl: SIGHUP: serving with the web configuration %s as reread%s\n",
+                     path.c_str(), web.users.empty() ? "" : " (basic auth)");
+    } catch (const ToolError& e) {
+        std::fprintf(stderr, "voractl: SIGHUP: %s; the web configuration in use is kept\n",
+                     e.what());
+    }
+}
+
 }  // namespace
 
 int Serve(Context& context) {
@@ -40,13 +83,14 @@ int Serve(Context& context) {
     const WebConfig web =
         context.options.webConfig.empty() ? WebConfig{} : LoadWebConfig(context.options.webConfig);
 
-    // SIGTERM and SIGINT are taken by this thread alone, between scrapes'
-    // work on others; a client that goes away never raises SIGPIPE.
-    sigset_t stop;
-    sigemptyset(&stop);
-    sigaddset(&stop, SIGTERM);
-    sigaddset(&stop, SIGINT);
-    pthread_sigmask(SIG_BLOCK, &stop, nullptr);
+    // SIGTERM, SIGINT and SIGHUP are taken by this thread alone, between
+    // scrapes' work on others; a client that goes away never raises SIGPIPE.
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGHUP);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     signal(SIGPIPE, SIG_IGN);
 
     Exporter exporter(context.session);
@@ -62,13 +106,7 @@ int Serve(Context& context) {
         const double interval = context.options.interval;
         Sampler sampler([&exporter] { return exporter.records(); }, interval, 300,
                         std::max(60.0, 10 * interval));
-        HttpServer::Site site;
-        site.metrics = [&exporter] { return exporter.scrape(); };
-        site.document = [&exporter] { return exporter.document(); };
-        site.library = [&exporter] { return exporter.library(); };
-        site.items = [&sampler] { return sampler.items(); };
-        site.samples = [&sampler](uint64_t since) { return sampler.samples(since); };
-        HttpServer server(listen, HttpLimits{}, web, std::move(site));
+        HttpServer server(listen, Limits(), web, ExporterSite(exporter, sampler));
         const std::string url = std::string(web.tls() ? "https" : "http") + "://" +
                                 AddressText(listen, server.port());
         std::fprintf(stderr, "voractl: serving the board's metrics on %s/metrics%s\n", url.c_str(),
@@ -79,9 +117,12 @@ int Serve(Context& context) {
         long delay = 1;
         for (;;) {
             const timespec wait{exporter.opened() ? 3600 : delay, 0};
-            const int signal = sigtimedwait(&stop, nullptr, &wait);
+            const int signal = sigtimedwait(&signals, nullptr, &wait);
             if (signal == SIGTERM || signal == SIGINT) {
                 break;
+            }
+            if (signal == SIGHUP) {
+                Reload(server, context.options.webConfig);
             }
             if (signal < 0 && errno != EAGAIN && errno != EINTR) {
                 throw ToolError(std::string("cannot wait for signals: ") + std::strerror(errno));

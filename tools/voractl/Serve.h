@@ -11,7 +11,8 @@ namespace voractl {
 inline constexpr const char* kDefaultListen = "127.0.0.1:19719";
 
 // Loads the module once, serves /metrics until SIGTERM or SIGINT, then
-// closes every connection and uninitialises the module. Returns 0, or
+// closes every connection and uninitialises the module; SIGHUP rereads the
+// web configuration meanwhile, the module left as it is. Returns 0, or
 // throws ToolError when it cannot listen.
 int Serve(Context& context);
 

@@ -95,6 +95,7 @@ Reading Session::read(const Item& item) {
         reading.status = module_.get(item.id, value.get());
     }
     if (reading.status == VORADRV_STATUS_SUCCESS) {
+        reading.alarm = truth_.alarm(item, value.get());
         reading.value = truth_.shown(item, value.get());
         if (truth_.converts(item)) {
             reading.raw = std::move(value);

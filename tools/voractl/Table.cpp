@@ -80,7 +80,7 @@ size_t DisplayWidth(const std::string& text) {
 std::vector<TableRow> TableRows(const std::vector<Reading>& readings) {
     std::vector<TableRow> rows;
     for (const Reading& reading : readings) {
-        rows.push_back(TableRow{reading.item, ShownValue(reading), !reading.value, false});
+        rows.push_back(TableRow{reading.item, ShownValue(reading), !reading.value, false, reading.alarm});
     }
     return rows;
 }
@@ -91,7 +91,9 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
     size_t nameWidth = 0;
     size_t valueWidth = 0;
     size_t limitsWidth = 0;
+    bool alarms = false;
     for (const TableRow& row : rows) {
+        alarms = alarms || row.alarm;
         idWidth = std::max(idWidth, IdText(row.item->id).size());
         nameWidth = std::max(nameWidth, DisplayWidth(Printable(row.item->name)));
         if (columns.pins && row.item->block == "GPIO") {
@@ -121,6 +123,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
                                Padded(pin.direction->value, pin.direction->value, 3) + "  " +
                                Padded(pin.level->value, pin.level->value, 5);
             const std::string marks = PinMarks(pin);
+            line += pin.direction->alarm || pin.level->alarm ? "  " + style.failed("ALARM") : "";
             line += marks.empty() ? "" : "  " + style.dim(marks);
             line.erase(line.find_last_not_of(' ') + 1);
             lines.push_back(line);
@@ -151,6 +154,10 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
             const std::string limits = Limits(item);
             line += "  " + Padded(limits, limits, limitsWidth);
         }
+        // After the limits, as `sensors` marks a reading outside them.
+        if (alarms) {
+            line += row.alarm ? "  " + style.failed("ALARM") : "       ";
+        }
         if (columns.access) {
             std::string access = AccessText(item.access);
             if (!item.sharing.empty()) {
@@ -167,5 +174,7 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
     }
     return lines;
 }
+
+std::string LimitsText(const Item& item) { return Limits(item); }
 
 }  // namespace voractl

@@ -4,6 +4,7 @@
 //   Hardware Monitor
 //     Voltage
 //       0x1020201  VCORE  1.050 V  (min = 0.000 V, max = 50.000 V)  read-only
+//       0x102020A  VN50   -5.012 V (min = 0.000 V, max = 50.000 V)  ALARM  read-only
 //   GPIO
 //       pin  name  dir  level
 //         0  DI0   in   high   read-only
@@ -23,6 +24,7 @@ struct TableRow {
     std::string value;     // as people read it
     bool failed = false;   // the value could not be read
     bool changed = false;  // the value differs from the previous sample
+    bool alarm = false;    // the value lies outside the published range
 };
 
 struct TableColumns {
@@ -40,6 +42,9 @@ std::vector<TableRow> TableRows(const std::vector<Reading>& readings);
 // the items of a block and of a group follow each other.
 std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const TableColumns& columns,
                                    const Style& style);
+
+// "(min = 0.000 V, max = 50.000 V)" for a ranged number; "" for anything else.
+std::string LimitsText(const Item& item);
 
 // The display width of UTF-8 text: its number of characters.
 size_t DisplayWidth(const std::string& text);

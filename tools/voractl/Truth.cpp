@@ -30,6 +30,13 @@ JsonPtr Truth::shown(const Item& item, const json_t* read) const {
     return Own(json_deep_copy(read));
 }
 
+bool Truth::alarm(const Item& item, const json_t* read) const {
+    // The limits are published in the true unit (degrees Celsius on every
+    // library), so they are held against the true value.
+    const JsonPtr value = Truth(generation_, false).shown(item, read);
+    return json_is_number(value.get()) && item.outside(json_number_value(value.get()));
+}
+
 JsonPtr Truth::toModule(const Item&, const json_t* value) const {
     // Writing an Embedded API panel's on/off already takes 1 for on; no
     // other converted item can be written.

@@ -30,6 +30,9 @@ public:
     JsonPtr shown(const Item& item, const json_t* read) const;
     // The value the module must be sent for `item` to become `value`.
     JsonPtr toModule(const Item& item, const json_t* value) const;
+    // True when the board's true value of what the module read for `item`
+    // lies outside the element's published range, whatever --raw says.
+    bool alarm(const Item& item, const json_t* read) const;
     // True when `item`'s values are converted.
     bool converts(const Item& item) const;
     // True when every value is the module's (--raw).

@@ -133,7 +133,8 @@ private:
     void printLine(const std::vector<Reading>& readings, const std::vector<bool>& changed) {
         std::string line = Timestamp();
         for (size_t i = 0; i < readings.size(); ++i) {
-            line += "  " + labels_[i] + "=" + ShownValue(readings[i]) + (changed[i] ? "*" : "");
+            line += "  " + labels_[i] + "=" + ShownValue(readings[i]) + (changed[i] ? "*" : "") +
+                    (readings[i].alarm ? " ALARM" : "");
         }
         std::fprintf(context_.out, "%s\n", line.c_str());
     }
@@ -142,7 +143,7 @@ private:
         std::vector<TableRow> rows;
         for (size_t i = 0; i < readings.size(); ++i) {
             rows.push_back(TableRow{readings[i].item, ShownValue(readings[i]),
-                                    !readings[i].value, changed[i]});
+                                    !readings[i].value, changed[i], readings[i].alarm});
         }
         char every[64];
         std::snprintf(every, sizeof every, "Every %gs", interval_);

@@ -1,10 +1,9 @@
 #include "WebConfig.h"
 
-#include <crypt.h>
 #include <yaml.h>
 
+#include <cctype>
 #include <cstring>
-#include <memory>
 #include <set>
 #include <vector>
 
@@ -104,8 +103,46 @@ std::string Beside(const std::string& config, const std::string& file) {
     return slash == std::string::npos ? file : config.substr(0, slash + 1) + file;
 }
 
+// What the exporter toolkit offers by default: TLS 1.2 and 1.3 only, with
+// forward-secret key exchange and AEAD ciphers; TLS 1.0 and 1.1, CBC, RC4,
+// 3DES and static RSA key exchange are never offered. The server's order
+// of preference wins.
+const char kTls12[] =
+    "SECURE128:-VERS-ALL:+VERS-TLS1.3:+VERS-TLS1.2:-CIPHER-ALL:+AES-128-GCM:+AES-256-GCM:"
+    "+CHACHA20-POLY1305:-MAC-ALL:+AEAD:-KX-ALL:+ECDHE-ECDSA:+ECDHE-RSA:%SERVER_PRECEDENCE";
+const char kTls13[] =
+    "SECURE128:-VERS-ALL:+VERS-TLS1.3:-CIPHER-ALL:+AES-128-GCM:+AES-256-GCM:+CHACHA20-POLY1305:"
+    "-MAC-ALL:+AEAD:%SERVER_PRECEDENCE";
+
+// True when `hash` is one bcrypt can have written: "$2a$", "$2b$" or "$2y$",
+// a cost from 04 to 31, "$", then 22 characters of salt and 31 of hash in
+// bcrypt's base 64. The last character of each encodes fewer than six bits,
+// so only some letters can end them; a hash that ends otherwise could never
+// match a password, and would refuse every login.
+bool IsBcrypt(const std::string& hash) {
+    static const std::string kDigits =
+        "./ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789";
+    if (hash.size() != 60 || hash.compare(0, 2, "$2") != 0 ||
+        std::string("aby").find(hash[2]) == std::string::npos || hash[3] != '$' || hash[6] != '$' ||
+        !std::isdigit(static_cast<unsigned char>(hash[4])) ||
+        !std::isdigit(static_cast<unsigned char>(hash[5]))) {
+        return false;
+    }
+    const int cost = (hash[4] - '0') * 10 + (hash[5] - '0');
+    if (cost < 4 || cost > 31) {
+        return false;
+    }
+    for (size_t i = 7; i < hash.size(); ++i) {
+        if (kDigits.find(hash[i]) == std::string::npos) {
+            return false;
+        }
+    }
+    return kDigits.find(hash[28]) % 16 == 0 && kDigits.find(hash[59]) % 4 == 0;
+}
+
 void ReadTls(Document& doc, yaml_node_t* section, const std::string& path, WebConfig& config) {
     std::string cert, key;
+    config.priorities = kTls12;
     for (const auto& [name, value] : doc.members(section, "tls_server_config")) {
         const std::string where = "tls_server_config." + name;
         if (name == "cert_file") {
@@ -115,9 +152,9 @@ void ReadTls(Document& doc, yaml_node_t* section, const std::string& path, WebCo
         } else if (name == "min_version") {
             const std::string version = doc.scalar(value, where);
             if (version == "TLS12") {
-                config.priorities = "NORMAL:-VERS-ALL:+VERS-TLS1.3:+VERS-TLS1.2";
+                config.priorities = kTls12;
             } else if (version == "TLS13") {
-                config.priorities = "NORMAL:-VERS-ALL:+VERS-TLS1.3";
+                config.priorities = kTls13;
             } else {
                 doc.fail(where, "TLS12 or TLS13 (older versions are not offered)");
             }
@@ -139,28 +176,14 @@ void ReadTls(Document& doc, yaml_node_t* section, const std::string& path, WebCo
     if (!cert.empty()) {
         config.certificate = ReadFile(Beside(path, cert), "the TLS certificate");
         config.key = ReadFile(Beside(path, key), "the TLS key");
+        if (config.certificate.empty() || config.key.empty()) {
+            // Never plain HTTP where TLS was asked for.
+            doc.fail("tls_server_config", (config.certificate.empty() ? cert : key) + " is empty");
+        }
     }
 }
 
 }  // namespace
-
-bool WebConfig::allows(const std::string& user, const std::string& password) const {
-    const auto found = users.find(user);
-    // An unknown user costs a bcrypt check too, so that timing does not
-    // tell which user names exist.
-    static const char kDecoy[] = "$2b$10$.zEkN8f78wM3d168OUveeuyDAfrigFf0H8z.X0vioX.sEY0mPyb5a";
-    const std::string& hash = found != users.end() ? found->second : std::string(kDecoy);
-    auto data = std::make_unique<crypt_data>();
-    const char* computed = crypt_r(password.c_str(), hash.c_str(), data.get());
-    if (computed == nullptr || found == users.end() || std::strlen(computed) != hash.size()) {
-        return false;
-    }
-    unsigned char differ = 0;
-    for (size_t i = 0; i < hash.size(); ++i) {
-        differ |= static_cast<unsigned char>(computed[i] ^ hash[i]);
-    }
-    return differ == 0;
-}
 
 WebConfig LoadWebConfig(const std::string& path) {
     return ParseWebConfig(path, ReadFile(path, "the web configuration", vorafiles::kConfigLimit));
@@ -169,15 +192,22 @@ WebConfig LoadWebConfig(const std::string& path) {
 WebConfig ParseWebConfig(const std::string& path, const std::string& text) {
     Document doc(path, text);
     WebConfig config;
-    for (const auto& [name, value] : doc.members(doc.root(), "the file")) {
+    const auto settings = doc.members(doc.root(), "the file");
+    if (settings.empty()) {
+        throw ToolError("web configuration " + path +
+                        ": empty: give tls_server_config or basic_auth_users, or leave out "
+                        "--web-config");
+    }
+    for (const auto& [name, value] : settings) {
         if (name == "tls_server_config") {
             ReadTls(doc, value, path, config);
         } else if (name == "basic_auth_users") {
             for (const auto& [user, hash] : doc.members(value, name)) {
                 const std::string text = doc.scalar(hash, name + "." + user);
-                if (text.rfind("$2a$", 0) != 0 && text.rfind("$2b$", 0) != 0 &&
-                    text.rfind("$2y$", 0) != 0) {
-                    doc.fail(name + "." + user, "expected a bcrypt hash ($2a$, $2b$ or $2y$)");
+                if (!IsBcrypt(text)) {
+                    doc.fail(name + "." + user,
+                             "not a bcrypt hash (as htpasswd -B writes it: $2b$, a cost from 04 "
+                             "to 31, $ and 53 characters)");
                 }
                 config.users[user] = text;
             }

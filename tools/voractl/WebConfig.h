@@ -1,8 +1,9 @@
 // The exporter's web configuration: the file format of the Prometheus
 // exporter toolkit (the same file node_exporter takes with --web.config.file),
 // for what libmicrohttpd can do: TLS with a certificate and key, a lowest TLS
-// version, and basic-auth users with bcrypt password hashes. Anything else in
-// the file is refused by name, so that no setting is silently ignored.
+// version (TLS 1.2 when none is named, with modern ciphers only), and
+// basic-auth users with bcrypt password hashes. Anything else in the file is
+// refused by name, so that no setting is silently ignored.
 #pragma once
 
 #include <map>
@@ -13,12 +14,10 @@ namespace voractl {
 struct WebConfig {
     std::string certificate;  // PEM texts; both empty: plain HTTP
     std::string key;
-    std::string priorities;   // GnuTLS priorities for min_version; empty: the library's
+    std::string priorities;   // GnuTLS priorities: the versions and ciphers offered
     std::map<std::string, std::string> users;  // user name -> bcrypt hash; empty: no auth
 
     bool tls() const { return !certificate.empty(); }
-    // True when `password` is `user`'s (a bcrypt check, tens of milliseconds).
-    bool allows(const std::string& user, const std::string& password) const;
 };
 
 // Reads FILE; throws ToolError naming the file, the setting and what is

@@ -100,12 +100,9 @@ std::string Forbidden(const Item& item, const json_t* value) {
     if (item.access == "r") {
         return "it is read-only";
     }
-    if (item.ranged() && json_is_number(value)) {
-        const double v = json_number_value(value);
-        if (v < *item.minimum || v > *item.maximum) {
-            return Number(v) + " is outside its range " + Number(*item.minimum) + ".." +
-                   Number(*item.maximum);
-        }
+    if (json_is_number(value) && item.outside(json_number_value(value))) {
+        return Number(json_number_value(value)) + " is outside its range " +
+               Number(*item.minimum) + ".." + Number(*item.maximum);
     }
     return "";
 }
