@@ -38,6 +38,7 @@ expect "--interval" --sim serve --i
 expect "list" help li
 expect "record" --sim rec
 expect "--redact" record --r
+expect "--duration" record --d
 expect 'Platform\ Information/Board\ name' --sim get 'Platform\ Information/Board\ n'
 expect 'Hardware\ Monitor/Fan\ Speed/CPU|Hardware\ Monitor/Fan\ Speed/System' \
     --sim get 'Hardware\ Monitor/Fan'

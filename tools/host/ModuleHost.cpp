@@ -38,16 +38,38 @@ int Collect(struct dl_phdr_info* info, size_t, void* data) {
 
 std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-// The file behind a stand-in, or `path` itself for any other library.
-std::string Target(const std::string& path) {
+// A symbol of the loaded library `path`, or null.
+void* Symbol(const std::string& path, const char* name) {
     void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
     if (handle == nullptr) {
-        return path;
+        return nullptr;
     }
-    const auto* target = static_cast<const char* const*>(dlsym(handle, "vora_standin_target"));
-    std::string result = target != nullptr && *target != nullptr ? *target : path;
-    dlclose(handle);
-    return result;
+    void* symbol = dlsym(handle, name);
+    dlclose(handle);  // the module holds the library open
+    return symbol;
+}
+
+// The files of the board library in use as loaded: of the board libraries
+// loaded, those of the last in the order the module tries them (a stand-in
+// and the library behind it share its name), and which that is.
+std::vector<std::string> InUse(const Known*& known) {
+    std::vector<std::string> paths;
+    dl_iterate_phdr(Collect, &paths);
+    std::vector<std::string> found;
+    known = nullptr;
+    for (const Known& library : kLibraries) {
+        std::vector<std::string> these;
+        for (const std::string& path : paths) {
+            if (BaseName(path) == library.file) {
+                these.push_back(path);
+            }
+        }
+        if (!these.empty()) {
+            found = these;
+            known = &library;
+        }
+    }
+    return found;
 }
 
 }  // namespace
@@ -84,19 +106,35 @@ uint32_t ModuleHost::uninitialize() {
 }
 
 std::optional<BoardLibrary> LoadedBoardLibrary() {
-    std::vector<std::string> paths;
-    dl_iterate_phdr(Collect, &paths);
-    std::optional<BoardLibrary> found;
-    int rank = -1;
+    const Known* known = nullptr;
+    const std::vector<std::string> paths = InUse(known);
+    if (known == nullptr) {
+        return std::nullopt;
+    }
+    BoardLibrary library{paths.front(), known->name, known->generation, ""};
     for (const std::string& path : paths) {
-        for (int i = 0; i < 3; ++i) {
-            if (BaseName(path) == kLibraries[i].file && i >= rank) {
-                found = BoardLibrary{Target(path), kLibraries[i].name, kLibraries[i].generation};
-                rank = i;
-            }
+        if (const auto* target = static_cast<const char* const*>(Symbol(path, "vora_standin_target"));
+            target != nullptr && *target != nullptr) {
+            library.path = *target;
+        }
+        using Replay = const char* (*)();
+        if (const auto replay = reinterpret_cast<Replay>(Symbol(path, "vorasim_replay"))) {
+            library.replay = replay();
         }
     }
-    return found;
+    return library;
+}
+
+std::optional<Recorder> LoadedRecorder() {
+    const Known* known = nullptr;
+    for (const std::string& path : InUse(known)) {
+        const Recorder recorder{reinterpret_cast<int (*)()>(Symbol(path, "vora_standin_full")),
+                                reinterpret_cast<void (*)()>(Symbol(path, "vora_standin_save"))};
+        if (recorder.full != nullptr && recorder.save != nullptr) {
+            return recorder;
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace voradrv::host

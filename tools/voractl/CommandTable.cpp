@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -27,15 +28,18 @@ std::string FileName(const char* value, const char* refusal) {
     return value;
 }
 
-double Interval(const char* value) {
+// Seconds from `least` to `most` for `option`.
+double Seconds(const char* option, const char* value, double least, double most) {
     const std::string text = Given(value);
     char* end = nullptr;
     errno = 0;
     const double seconds = std::strtod(text.c_str(), &end);
-    if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(seconds) || seconds < 0.01 ||
-        seconds > 86400.0) {
-        throw ToolError("--interval must be a number of seconds from 0.01 to 86400, not \"" + text +
-                            "\"", true);
+    if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(seconds) || seconds < least ||
+        seconds > most) {
+        char range[64];
+        std::snprintf(range, sizeof range, "from %g to %g", least, most);
+        throw ToolError(std::string(option) + " must be a number of seconds " + range + ", not \"" +
+                            text + "\"", true);
     }
     return seconds;
 }
@@ -71,6 +75,8 @@ const OptionSpec kSimGeneration{"--sim-generation", nullptr, Takes::Value, "4|3|
     Completes::Words, [](Options& o, const char* v) { o.simulation.generation = v; }, true};
 const OptionSpec kSimReset{"--sim-reset", nullptr, Takes::Nothing, nullptr, Completes::Nothing,
     [](Options& o, const char*) { o.simulation.reset = true; }, true};
+const OptionSpec kTiming{"--timing", nullptr, Takes::Nothing, nullptr, Completes::Nothing,
+    [](Options& o, const char*) { o.simulation.timing = true; }, true};
 const OptionSpec kTrace{"--trace", nullptr, Takes::Nothing, nullptr, Completes::Nothing,
     [](Options& o, const char*) { o.simulation.trace = true; }};
 const OptionSpec kRaw{"--raw", nullptr, Takes::Nothing, nullptr, Completes::Nothing,
@@ -94,7 +100,9 @@ const OptionSpec kForce{"--force", nullptr, Takes::Nothing, nullptr, Completes::
 const OptionSpec kType{"--type", nullptr, Takes::Value, "int|real|string", Completes::Words,
     [](Options& o, const char* v) { o.type = ParseType(v); }};
 const OptionSpec kInterval{"--interval", nullptr, Takes::Value, "SECONDS", Completes::Nothing,
-    [](Options& o, const char* v) { o.interval = Interval(v); }};
+    [](Options& o, const char* v) { o.interval = Seconds("--interval", v, 0.01, 86400.0); }};
+const OptionSpec kDuration{"--duration", nullptr, Takes::Value, "SECONDS", Completes::Nothing,
+    [](Options& o, const char* v) { o.duration = Seconds("--duration", v, 0.0, 7 * 86400.0); }};
 const OptionSpec kCount{"--count", nullptr, Takes::Value, "N", Completes::Nothing,
     [](Options& o, const char* v) { o.count = Count(v); }};
 const OptionSpec kFormat{"--format", nullptr, Takes::Value, "senml|prometheus", Completes::Words,
@@ -224,14 +232,21 @@ const CommandLine& VoractlCommands() {
                          "readings; replace every other text and every word of the "
                          "management network's values with placeholders of the "
                          "same form"},
-              {&kOutput, "where to write it, as export writes (default: standard output)"}},
+              {&kOutput, "where to write it, as export writes (default: standard output)"},
+              {&kDuration, "read every item every --interval seconds for SECONDS seconds, so that "
+                           "readings that drift and faults that come and go are recorded as they "
+                           "happened; Ctrl-C ends it early and keeps what was recorded"},
+              {&kInterval, "seconds between readings with --duration (default 2)", false, &kDuration,
+               "reads the board again and again"}},
              {}, 0, 0, nullptr, Arguments::None,
              "Record the board library: initialise the module, ask for its capability, "
              "read every item with its own JSON type and shut it down, with a stand-in "
              "in front of the board library that keeps every distinct call and the "
-             "library's answer. Nothing is written to the board. The recording is a "
-             "board: voractl --sim=FILE replays it, anywhere.",
-             nullptr, Record, true, OpenRecordingChannel},
+             "library's answers to it, in order, with the time each took. Nothing is "
+             "written to the board. The recording is a board: voractl --sim=FILE "
+             "replays it, anywhere, as the board answered. A module that does not come "
+             "up and items that cannot be read are named, and recorded.",
+             nullptr, Record, false, OpenRecordingChannel},
             {"serve", "the board as a Prometheus target",
              {{&kListen, "where to listen (default 127.0.0.1:19719); "
                          "\"[::1]:PORT\" for IPv6, \":PORT\" for every "
@@ -262,6 +277,7 @@ const CommandLine& VoractlCommands() {
                     "or a recording, which the simulator replays"},
             {&kSimGeneration, "with --sim: simulated board library 4 (default), 3 or eapi"},
             {&kSimReset, "with --sim: start the simulated board again from its profile"},
+            {&kTiming, "with --sim=RECORDING: each call takes as long as it took when recorded"},
             {&kTrace, "every call into the board library on standard error"},
             {&kRaw, "show the module's values as the board library gives "
                     "them (tenths of a kelvin on an Embedded API library)"},

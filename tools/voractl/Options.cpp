@@ -96,8 +96,15 @@ std::string OptionLines(const std::vector<OptionUse>& options) {
 // one word, as is a form of arguments).
 std::vector<std::vector<std::string>> Synopsis(const CommandSpec& command) {
     std::vector<std::string> options;
-    for (const OptionUse& use : command.options) {
-        options.push_back(use.required ? Written(*use.option) : "[" + Written(*use.option) + "]");
+    for (size_t i = 0; i < command.options.size(); ++i) {
+        const OptionUse& use = command.options[i];
+        const std::string word = use.required ? Written(*use.option) : "[" + Written(*use.option) + "]";
+        if (i > 0 && use.with == command.options[i - 1].option && !options.back().empty() &&
+            options.back().back() == ']') {
+            options.back().insert(options.back().size() - 1, " " + word);  // [--a A [--b B]]
+        } else {
+            options.push_back(word);
+        }
     }
     std::vector<std::vector<std::string>> lines;
     for (const char* form : command.forms) {
@@ -218,13 +225,45 @@ int ParseGlobal(Options& options, int argc, char** argv, const CommandLine& tabl
         }
     }
     if (simulated && !options.simulation.enabled) {
-        std::string names;
+        std::string names;  // "--a, --b and --c"
         for (const OptionUse& use : table.options) {
-            names += use.option->simulated ? (names.empty() ? "" : " and ") + std::string(use.option->name) : "";
+            if (use.option->simulated) {
+                names += (names.empty() ? "" : ", ") + std::string(use.option->name);
+            }
+        }
+        const size_t last = names.rfind(", ");
+        if (last != std::string::npos) {
+            names.replace(last, 2, " and ");
         }
         throw ToolError(names + " choose the simulated board: give --sim too", true);
     }
     return i;
+}
+
+// What the command needs of its arguments and options, once all are read.
+void Check(const CommandSpec& command, size_t arguments, const std::vector<const OptionSpec*>& given) {
+    if (arguments < command.minArguments || arguments > command.maxArguments) {
+        throw ToolError(command.wrongArguments != nullptr
+                            ? command.wrongArguments
+                            : std::string(command.name) + " takes no arguments",
+                        true);
+    }
+    const auto missing = [&](const OptionSpec* option) {
+        return std::find(given.begin(), given.end(), option) == given.end();
+    };
+    for (const OptionUse& use : command.options) {
+        if (use.with != nullptr && !missing(use.option) && missing(use.with)) {
+            throw ToolError(std::string(command.name) + " " + use.option->name + " " + use.does +
+                                ": give " + use.with->name + " too", true);
+        }
+        if (use.required && missing(use.option)) {
+            std::string value = use.option->value;  // "senml|prometheus": "senml or --format prometheus"
+            for (size_t bar; (bar = value.find('|')) != std::string::npos;) {
+                value.replace(bar, 1, std::string(" or ") + use.option->name + " ");
+            }
+            throw ToolError(std::string(command.name) + " needs " + use.option->name + " " + value, true);
+        }
+    }
 }
 
 // The command's own options and arguments, from argv[i] on.
@@ -248,22 +287,7 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
                             true);
         }
     }
-    const size_t n = options.arguments.size();
-    if (n < command.minArguments || n > command.maxArguments) {
-        throw ToolError(command.wrongArguments != nullptr
-                            ? command.wrongArguments
-                            : std::string(command.name) + " takes no arguments",
-                        true);
-    }
-    for (const OptionUse& use : command.options) {
-        if (use.required && std::find(given.begin(), given.end(), use.option) == given.end()) {
-            std::string value = use.option->value;  // "senml|prometheus": "senml or --format prometheus"
-            for (size_t bar; (bar = value.find('|')) != std::string::npos;) {
-                value.replace(bar, 1, std::string(" or ") + use.option->name + " ");
-            }
-            throw ToolError(std::string(command.name) + " needs " + use.option->name + " " + value, true);
-        }
-    }
+    Check(command, options.arguments.size(), given);
 }
 
 }  // namespace

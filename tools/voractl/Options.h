@@ -33,7 +33,8 @@ struct Options {
     bool all = false;            // list --all: every item in its own row
     bool force = false;          // get/set --force: no check against the document
     std::optional<json_type> type;  // get/set --type
-    double interval = 2.0;       // watch, serve --interval, seconds
+    double interval = 2.0;       // watch, record, serve --interval, seconds
+    double duration = 0.0;       // record --duration, seconds; 0: one reading
     long count = 0;              // watch --count; 0: until interrupted
     std::string format;          // export --format
     std::string output;          // export, record --output; empty: standard output
@@ -68,8 +69,12 @@ struct OptionSpec {
 // An option as one command (or voractl itself) takes it.
 struct OptionUse {
     const OptionSpec* option;
-    const char* help;      // its lines in the help, "\n" between them
+    const char* help;
     bool required = false;
+    // An option it goes with, and what it does that needs that one (for
+    // the error when that one is missing); the synopsis shows it inside.
+    const OptionSpec* with = nullptr;
+    const char* does = nullptr;
 };
 
 // What the shell completes a command's arguments with.
@@ -93,7 +98,8 @@ struct CommandSpec {
     // board failed.
     int (*run)(Context& context);
     // Most commands need the module up before they start; one that opens
-    // it itself (serve keeps retrying) says false.
+    // it itself says false (serve keeps retrying, record records a module
+    // that does not come up).
     bool opensModule = true;
     // Done before the simulation starts (and the process runs again under
     // it); null: nothing.

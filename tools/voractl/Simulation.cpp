@@ -174,6 +174,9 @@ void Simulate(SimulationRequest& request, const std::string& dir) {
         throw ToolError(request.profile + " is a recording of the " + GenerationText(recorded) +
                         " library, not of the " + GenerationText(request.generation) + " one", true);
     }
+    if (request.timing && recorded.empty()) {
+        throw ToolError("--timing replays a recording at its recorded speed: give --sim=RECORDING", true);
+    }
     request.generation = !recorded.empty() ? recorded
                          : request.generation.empty() ? "4"
                                                       : request.generation;
@@ -199,8 +202,9 @@ std::string SimulatedBoardState() {
 }
 
 void EnterSimulation(SimulationRequest request, char** argv) {
-    if ((!request.enabled && !request.trace && request.record < 0) ||
-        std::getenv(kMarker) != nullptr) {
+    const char* recordTo = std::getenv("VORA_RECORD");
+    const bool records = request.record >= 0 || (recordTo != nullptr && *recordTo != '\0');
+    if ((!request.enabled && !request.trace && !records) || std::getenv(kMarker) != nullptr) {
         return;
     }
     const std::string dir = SimulatorDirectory();
@@ -213,6 +217,9 @@ void EnterSimulation(SimulationRequest request, char** argv) {
     }
     if (request.record >= 0) {
         setenv("VORA_RECORD_FD", std::to_string(request.record).c_str(), 1);
+    }
+    if (request.timing) {
+        setenv("VORA_SIM_TIMING", "1", 1);
     }
     if (request.enabled) {
         Simulate(request, dir);
