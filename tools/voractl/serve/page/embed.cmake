@@ -1,6 +1,6 @@
 # cmake -DOUT=PageAssets.cpp -DDIR=page -P embed.cmake
 # Writes the board page's files into a C++ source as raw string literals.
-set(text "// Generated from tools/voractl/page by embed.cmake: edit those files.\n#include \"PageAssets.h\"\n\nnamespace voractl {\n\nnamespace {\n\nconst PageAsset kAssets[] = {\n")
+set(text "// Generated from tools/voractl/serve/page by embed.cmake: edit those files.\n#include \"PageAssets.h\"\n\nnamespace voractl {\n\nnamespace {\n\nconst PageAsset kAssets[] = {\n")
 foreach(entry "/|index.html|text/html\\; charset=utf-8" "/page.js|page.js|text/javascript\\; charset=utf-8" "/page.css|page.css|text/css\\; charset=utf-8" "/favicon.svg|favicon.svg|image/svg+xml")
   string(REPLACE "|" ";" parts "${entry}")
   list(GET parts 0 path)
