@@ -7,9 +7,9 @@
 #include <cstring>
 #include <string>
 
-#include "Format.h"
 #include "Http.h"
 #include "Request.h"
+#include "ToolError.h"
 
 using namespace voractl;
 

@@ -11,8 +11,8 @@
 #include <string>
 
 #include "Exposition.h"
-#include "Format.h"
 #include "Login.h"
+#include "ToolError.h"
 #include "WebConfig.h"
 
 using namespace voractl;

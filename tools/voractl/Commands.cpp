@@ -2,10 +2,10 @@
 
 #include <map>
 
-#include "Format.h"
 #include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
+#include "ToolError.h"
 
 namespace voractl {
 

@@ -7,6 +7,7 @@
 #include "Prometheus.h"
 #include "Reading.h"
 #include "SenML.h"
+#include "ToolError.h"
 
 namespace voractl {
 

@@ -3,8 +3,8 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "Format.h"
 #include "Printable.h"
+#include "ToolError.h"
 
 namespace voractl {
 

@@ -8,8 +8,8 @@
 #include <map>
 #include <set>
 
-#include "Format.h"
 #include "Items.h"
+#include "ToolError.h"
 
 namespace voractl {
 

@@ -4,6 +4,7 @@
 
 #include "Format.h"
 #include "Printable.h"
+#include "ToolError.h"
 
 namespace voractl {
 

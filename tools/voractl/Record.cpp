@@ -5,9 +5,9 @@
 
 #include <cstdlib>
 
-#include "Format.h"
 #include "Output.h"
 #include "Reading.h"
+#include "ToolError.h"
 #include "files/Read.h"
 #include "files/Write.h"
 #include "record/Recording.h"

@@ -7,6 +7,7 @@
 #include "Format.h"
 #include "Reading.h"
 #include "Simulation.h"
+#include "ToolError.h"
 
 namespace voractl {
 

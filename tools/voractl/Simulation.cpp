@@ -9,9 +9,9 @@
 #include <cstring>
 #include <functional>
 
-#include "Format.h"
 #include "Module.h"
 #include "Session.h"
+#include "ToolError.h"
 #include "files/Directory.h"
 #include "files/Read.h"
 #include "record/Recording.h"

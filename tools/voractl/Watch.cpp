@@ -19,6 +19,7 @@
 #include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
+#include "ToolError.h"
 
 namespace voractl {
 

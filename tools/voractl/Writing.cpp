@@ -10,6 +10,7 @@
 #include "Format.h"
 #include "Printable.h"
 #include "Reading.h"
+#include "ToolError.h"
 
 namespace voractl {
 

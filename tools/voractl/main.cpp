@@ -7,12 +7,12 @@
 
 #include "Commands.h"
 #include "Export.h"
-#include "Format.h"
 #include "Options.h"
 #include "Record.h"
 #include "Serve.h"
 #include "Session.h"
 #include "Simulation.h"
+#include "ToolError.h"
 #include "Watch.h"
 
 using namespace voractl;

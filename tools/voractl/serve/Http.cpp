@@ -18,11 +18,11 @@
 #include <thread>
 
 #include "ConnectionGuard.h"
-#include "Format.h"
 #include "Gzip.h"
 #include "Login.h"
 #include "Request.h"
 #include "ThrottledLog.h"
+#include "ToolError.h"
 #include "WorkQueue.h"
 
 namespace voractl {

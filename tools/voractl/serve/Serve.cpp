@@ -16,6 +16,7 @@
 #include "Sampler.h"
 #include "Session.h"
 #include "Site.h"
+#include "ToolError.h"
 
 namespace voractl {
 

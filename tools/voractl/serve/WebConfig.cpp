@@ -7,7 +7,7 @@
 #include <set>
 #include <vector>
 
-#include "Format.h"
+#include "ToolError.h"
 #include "files/Read.h"
 
 namespace voractl {
