@@ -13,6 +13,8 @@
 #include "Sampler.h"
 
 using namespace voractl;
+using vorajson::JsonPtr;
+using vorajson::Own;
 using namespace std::chrono_literals;
 
 namespace {

@@ -8,6 +8,10 @@
 #include "Reading.h"
 #include "SenML.h"
 #include "ToolError.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

@@ -11,6 +11,7 @@
 #include "Module.h"
 #include "ModuleOutput.h"
 #include "Truth.h"
+#include "json/JsonPtr.h"
 
 namespace voractl {
 
@@ -50,7 +51,7 @@ private:
     Module module_;
     ModuleOutput output_;
     bool raw_;
-    JsonPtr document_{nullptr, &json_decref};
+    vorajson::JsonPtr document_;
     std::vector<Item> items_;
     std::optional<voradrv::host::BoardLibrary> library_;
     Truth truth_{"", false};

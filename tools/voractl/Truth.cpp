@@ -1,6 +1,10 @@
 #include "Truth.h"
+#include "json/JsonPtr.h"
 
 #include <cmath>
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

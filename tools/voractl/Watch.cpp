@@ -20,6 +20,10 @@
 #include "Reading.h"
 #include "Table.h"
 #include "ToolError.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

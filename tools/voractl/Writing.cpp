@@ -11,6 +11,10 @@
 #include "Printable.h"
 #include "Reading.h"
 #include "ToolError.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 
@@ -20,7 +24,7 @@ namespace {
 struct Planned {
     Item item;
     std::string text;                         // the value as given
-    JsonPtr value{nullptr, &json_decref};     // the true value to write
+    JsonPtr value;                            // the true value to write
     std::string refusal;                      // why it may not be written
 };
 

@@ -9,6 +9,10 @@
 #include "Reading.h"
 #include "Session.h"
 #include "Table.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "Exposition.h"
-#include "Truth.h"
+#include "json/JsonPtr.h"
 
 namespace voractl {
 
@@ -47,7 +47,7 @@ public:
     // an empty array while the module is not up; the capability document as
     // the module built it (null while it is not up); the board library the
     // module bound, {"name", "generation", "path"} (null: none).
-    JsonPtr records();
+    vorajson::JsonPtr records();
     std::string document();
     std::string library();
 

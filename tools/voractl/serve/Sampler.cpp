@@ -10,6 +10,10 @@
 #include "Format.h"
 #include "Reading.h"
 #include "Truth.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

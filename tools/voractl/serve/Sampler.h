@@ -14,7 +14,7 @@
 #include <string>
 #include <thread>
 
-#include "Truth.h"
+#include "json/JsonPtr.h"
 
 namespace voractl {
 
@@ -22,7 +22,7 @@ class Sampler {
 public:
     // Every item's record as "voractl list --json" gives it; throws when
     // the board cannot be read.
-    using Read = std::function<JsonPtr()>;
+    using Read = std::function<vorajson::JsonPtr()>;
 
     // Reads the board with `read` every `interval` seconds while pages ask,
     // keeping the last `keep` samples (300 at 2 s: the last ten minutes),
