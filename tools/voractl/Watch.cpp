@@ -139,9 +139,10 @@ bool Differs(const Reading& now, const Reading* before) {
     return !json_equal(now.value.get(), before->value.get());
 }
 
-class Sampler {
+// Takes the samples and shows them.
+class Watcher {
 public:
-    Sampler(Context& context, std::vector<Item> items)
+    Watcher(Context& context, std::vector<Item> items)
         : context_(context), items_(std::move(items)), labels_(Labels(items_)),
           interval_(context.options.interval), redraw_(!context.options.json && Terminal(context.out)) {}
 
@@ -289,7 +290,7 @@ int Watch(Context& context) {
         }
     }
     StopSignals signals;
-    Sampler sampler(context, std::move(items));
+    Watcher sampler(context, std::move(items));
     timespec next;
     clock_gettime(CLOCK_MONOTONIC, &next);
     for (long n = 0; (count == 0 || n < count) && !gStop; ++n) {

@@ -1,12 +1,11 @@
-// voractl set: values checked against the capability document before any
-// reaches the module, then written one by one and read back.
+#include "Writing.h"
+
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
 
-#include "Commands.h"
 #include "Format.h"
 #include "Printable.h"
 #include "Reading.h"

@@ -14,6 +14,7 @@
 #include "Simulation.h"
 #include "ToolError.h"
 #include "Watch.h"
+#include "Writing.h"
 
 using namespace voractl;
 
