@@ -1,10 +1,6 @@
 #include "ModuleHost.h"
 
 #include <dlfcn.h>
-#include <link.h>
-
-#include <cstring>
-#include <vector>
 
 namespace voradrv::host {
 
@@ -16,38 +12,6 @@ void Bind(void* handle, Fn& pointer, const char* name) {
     if (pointer == nullptr) {
         throw LoadError(std::string("the module lacks the entry point ") + name);
     }
-}
-
-struct Known {
-    const char* file;
-    const char* name;
-    const char* generation;
-};
-// In the order the module tries them.
-constexpr Known kLibraries[] = {{"libVORA-4.00.so", "libVORA-4.00", "4"},
-                                {"libVORA-3.02.so", "libVORA-3.02", "3"},
-                                {"libEApi.so", "libEApi", "eapi"}};
-
-int Collect(struct dl_phdr_info* info, size_t, void* data) {
-    auto& paths = *static_cast<std::vector<std::string>*>(data);
-    if (info->dlpi_name != nullptr && *info->dlpi_name != '\0') {
-        paths.emplace_back(info->dlpi_name);
-    }
-    return 0;
-}
-
-std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
-
-// The file behind a stand-in, or `path` itself for any other library.
-std::string Target(const std::string& path) {
-    void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
-    if (handle == nullptr) {
-        return path;
-    }
-    const auto* target = static_cast<const char* const*>(dlsym(handle, "vora_standin_target"));
-    std::string result = target != nullptr && *target != nullptr ? *target : path;
-    dlclose(handle);
-    return result;
 }
 
 }  // namespace
@@ -81,22 +45,6 @@ uint32_t ModuleHost::initialize() {
 uint32_t ModuleHost::uninitialize() {
     initialized_ = false;
     return uninitialize_();
-}
-
-std::optional<BoardLibrary> LoadedBoardLibrary() {
-    std::vector<std::string> paths;
-    dl_iterate_phdr(Collect, &paths);
-    std::optional<BoardLibrary> found;
-    int rank = -1;
-    for (const std::string& path : paths) {
-        for (int i = 0; i < 3; ++i) {
-            if (BaseName(path) == kLibraries[i].file && i >= rank) {
-                found = BoardLibrary{Target(path), kLibraries[i].name, kLibraries[i].generation};
-                rank = i;
-            }
-        }
-    }
-    return found;
 }
 
 }  // namespace voradrv::host

@@ -6,7 +6,6 @@
 #include <jansson.h>
 
 #include <cstdint>
-#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -55,20 +54,5 @@ private:
     VoraIoTSetMDValue_fn setValue_ = nullptr;
     VoraIoTSetMDEventHandler_fn setEventHandler_ = nullptr;
 };
-
-// A board library loaded in this process.
-struct BoardLibrary {
-    std::string path;        // the file the dynamic loader opened
-    std::string name;        // "libVORA-4.00", "libVORA-3.02" or "libEApi"
-    std::string generation;  // "4", "3" or "eapi"
-};
-
-// The board library the module is using, from the dynamic loader's list of
-// loaded objects. The module tries the libraries in a fixed order and loads
-// the next one only when the one before could not be initialised, so of
-// those loaded the last in that order is the one in use. A stand-in in
-// front of a library (one that names its target through the symbol
-// `vora_standin_target`) is seen through: its target is reported.
-std::optional<BoardLibrary> LoadedBoardLibrary();
 
 }  // namespace voradrv::host

@@ -21,7 +21,7 @@ std::string LibraryText(const Session& session) {
     if (!library) {
         return "none found";
     }
-    return library->name + " (" + GenerationText(library->generation) + "), " + Printable(library->path);
+    return library->name + " (" + library->text + "), " + Printable(library->path);
 }
 
 // The items of the selectors; every item without any.

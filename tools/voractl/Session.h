@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "BoardLibraries.h"
 #include "Items.h"
 #include "Module.h"
 #include "ModuleOutput.h"
@@ -56,8 +57,5 @@ private:
     std::optional<voradrv::host::BoardLibrary> library_;
     Truth truth_{"", false};
 };
-
-// "fourth generation", "third generation" or "Embedded API".
-const char* GenerationText(const std::string& generation);
 
 }  // namespace voractl
