@@ -176,15 +176,17 @@ std::string BoardFile(const SimulationRequest& request) {
 // The library to simulate: a recording's own, else the one asked for (the
 // fourth generation when none is). A recording of another is refused.
 const KnownLibrary& Chosen(const SimulationRequest& request, const std::string& profile) {
-    const KnownLibrary* asked = request.generation.empty() ? nullptr : &LibraryOf(request.generation);
+    const KnownLibrary* asked =
+        request.generation.empty() ? nullptr : &LibraryOf(request.generation);
     const std::string recorded = profile.empty() ? "" : RecordingGeneration(profile);
     if (recorded.empty()) {
         return asked != nullptr ? *asked : kBoardLibraries[0];
     }
     const KnownLibrary& library = LibraryOf(recorded);
     if (asked != nullptr && asked != &library) {
-        throw ToolError((request.profile.empty() ? profile : request.profile) + " is a recording of the " +
-                            library.text + " library, not of the " + asked->text + " one",
+        const std::string& named = request.profile.empty() ? profile : request.profile;
+        throw ToolError(named + " is a recording of the " + library.text + " library, not of the " +
+                            asked->text + " one",
                         true);
     }
     return library;

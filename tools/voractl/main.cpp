@@ -64,13 +64,7 @@ int main(int argc, char** argv) {
         }
         EnterSimulation(options.simulation, argv);
         return Run(options);
-    } catch (const ToolError& e) {
-        std::fflush(stdout);
-        std::fprintf(stderr, "voractl: %s\n", e.what());
-        return e.usage() ? 2 : 1;
-    } catch (const voradrv::host::LoadError& e) {
-        std::fflush(stdout);
-        std::fprintf(stderr, "voractl: %s\n", e.what());
-        return 1;
+    } catch (...) {
+        return ReportFailure(nullptr, std::current_exception());
     }
 }
