@@ -7,8 +7,10 @@
 #include <cstring>
 #include <string>
 
-#include "Http.h"
+#include "Exposition.h"
+#include "ListenAddress.h"
 #include "Request.h"
+#include "Site.h"
 #include "ToolError.h"
 
 using namespace voractl;

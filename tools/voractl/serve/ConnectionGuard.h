@@ -33,22 +33,28 @@ public:
     // is awaited from now.
     Peer* opened(int fd, std::string address);
     // Its request arrived: it is answered, with no deadline.
-    void arrived(Peer* peer);
+    void arrived(Peer* peer) noexcept;
     // Its answer went out: the next request is awaited from now.
-    void answered(Peer* peer);
+    void answered(Peer* peer) noexcept;
     // It is closing; called before its socket is closed.
-    void closed(Peer* peer);
+    void closed(Peer* peer) noexcept;
 
 private:
-    void watch();
+    void watch() noexcept;
+    // Moves `peer` to the end of the waiting list or to the others. Holds mutex_.
+    void await(Peer& peer) noexcept;
+    void answer(Peer& peer) noexcept;
     // Shuts the oldest waiting connection down. Holds mutex_.
-    void cutOldest(const char* why);
+    void cutOldest(const char* why) noexcept;
 
     const std::chrono::steady_clock::duration deadline_;
     const unsigned connections_;
     std::mutex mutex_;
     std::condition_variable changed_;
-    std::list<Peer*> waiting_;  // those awaiting a request, oldest first
+    // Every open connection is in one of these; it moves between them
+    // without allocating, so only opened() can run out of memory.
+    std::list<Peer> waiting_;    // those awaiting a request, oldest first
+    std::list<Peer> answering_;  // the others
     unsigned open_ = 0;
     bool stopping_ = false;
     ThrottledLog log_{"connections cut", std::chrono::seconds(10)};

@@ -1,8 +1,30 @@
 #include "Exposition.h"
 
 #include "Gzip.h"
+#include "Request.h"
 
 namespace voractl {
+
+MetricsFormat PreferredFormat(const char* accept) {
+    MetricsFormat best = MetricsFormat::Text;
+    double bestQ = 0.0;
+    for (const Choice& choice : Choices(accept)) {
+        MetricsFormat format;
+        if (choice.value == "application/openmetrics-text") {
+            format = MetricsFormat::OpenMetrics;
+        } else if (choice.value == "text/plain" || choice.value == "text/*" ||
+                   choice.value == "*/*") {
+            format = MetricsFormat::Text;
+        } else {
+            continue;
+        }
+        if (choice.q > bestQ) {
+            best = format;
+            bestQ = choice.q;
+        }
+    }
+    return best;
+}
 
 Exposition::Exposition(std::string text) {
     std::call_once(forms_[0].built, [&] { forms_[0].bytes = std::move(text); });
@@ -28,6 +50,12 @@ std::shared_ptr<const std::string> Exposition::form(MetricsFormat format, bool g
     }
     // Shares ownership of the whole reading.
     return std::shared_ptr<const std::string>(shared_from_this(), &form.bytes);
+}
+
+HttpReply Exposition::answer(MetricsFormat format, bool gzip) const {
+    std::shared_ptr<const std::string> packed = gzip ? form(format, true) : nullptr;
+    return packed != nullptr ? HttpReply{200, std::move(packed), Type(format), true}
+                             : HttpReply{200, form(format, false), Type(format), false};
 }
 
 const char* Exposition::Type(MetricsFormat format) {

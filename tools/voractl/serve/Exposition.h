@@ -9,14 +9,27 @@
 #include <mutex>
 #include <string>
 
-#include "Request.h"
+#include "Http.h"
 
 namespace voractl {
+
+enum class MetricsFormat { Text, OpenMetrics };
+
+// The format a scraper's Accept header prefers among those served:
+// OpenMetrics when it ranks application/openmetrics-text above text/plain
+// (the text format also stands for "*/*" and "text/*"); the text format
+// when the header is missing or names neither, as Prometheus's own
+// exporters answer. Of two with the same q-value the first listed wins.
+MetricsFormat PreferredFormat(const char* accept);
 
 class Exposition : public std::enable_shared_from_this<Exposition> {
 public:
     // `text`: the reading in the text format.
     explicit Exposition(std::string text);
+
+    // The answer to a scrape: the reading in `format`, gzipped when `gzip`
+    // (and gzip works), its body shared with the other scrapes'.
+    HttpReply answer(MetricsFormat format, bool gzip) const;
 
     // The reading in `format`, gzipped when `gzip`; it lives as long as the
     // pointer is held. Null when gzip failed (send it plain).

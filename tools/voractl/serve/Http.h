@@ -7,8 +7,6 @@
 // nothing from elsewhere runs in it, and nothing keeps it.
 #pragma once
 
-#include <sys/socket.h>
-
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -17,20 +15,12 @@
 #include <utility>
 #include <vector>
 
+#include "ListenAddress.h"
 #include "WebConfig.h"
 
 namespace voractl {
 
 class HttpCore;
-
-// Where to listen: "ADDR:PORT", "[IPv6]:PORT" or ":PORT" (every address).
-struct ListenAddress {
-    sockaddr_storage address{};
-    socklen_t length = 0;
-    std::string text;  // as given, for messages
-};
-// Throws a usage ToolError naming what is wrong.
-ListenAddress ParseListenAddress(const std::string& text);
 
 // What a request asks, copied out of the connection so that it can be
 // answered on another thread.
@@ -51,13 +41,13 @@ struct HttpRequest {
 struct HttpReply {
     unsigned status = 200;
     std::shared_ptr<const std::string> body;
-    std::string type;   // Content-Type
-    bool gzip = false;  // the body is gzip (Content-Encoding)
+    const char* type = nullptr;  // Content-Type; null: plain text
+    bool gzip = false;           // the body is gzip (Content-Encoding)
 
     // `status` with a line of plain text.
     static HttpReply Text(unsigned status, const std::string& text);
     // 200 with `text` of `type`, gzipped when the request accepts it.
-    static HttpReply Content(const HttpRequest& request, std::string text, std::string type);
+    static HttpReply Content(const HttpRequest& request, std::string text, const char* type);
 };
 
 // What a request may cost the exporter.
@@ -73,7 +63,7 @@ public:
     // Answers what a request asks: called on a worker thread, it calls
     // `reply` once, then or later, from any thread (a scrape answers when
     // the reading it shares is done, so no thread waits for it). Throwing
-    // instead gives a 500.
+    // instead gives a 500, or a 503 when not even that can be made.
     using Reply = std::function<void(HttpReply)>;
     using Site = std::function<void(const HttpRequest&, const Reply& reply)>;
 

@@ -65,10 +65,16 @@ bool Login::check(const std::string& user, const std::string& password,
             done(false);
             return;
         }
-        const bool allowed = verify(user, password);
-        if (Keepable(user, password)) {
-            std::lock_guard<std::mutex> lock(mutex_);
-            (allowed ? allowed_ : refused_).add(Key(user, password));
+        bool allowed = false;
+        try {
+            allowed = verify(user, password);
+            if (Keepable(user, password)) {
+                std::lock_guard<std::mutex> lock(mutex_);
+                (allowed ? allowed_ : refused_).add(Key(user, password));
+            }
+        } catch (...) {
+            // Memory ran out: the verdict is not kept, and only one found
+            // already lets the client in.
         }
         done(allowed);
     });

@@ -2,8 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <string>
-#include <vector>
+#include <optional>
 
 namespace voractl {
 
@@ -26,15 +25,6 @@ std::string Trim(const std::string& text) {
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-// One element of a comma-separated header: its value (media range or
-// content coding, in lower case) and its q-value.
-struct Choice {
-    std::string value;
-    double q;
-};
-
-// A q-value is a number from 0 to 1 (RFC 9110, 12.4.2). One that is not is
-// read as 0: what a client cannot say clearly it is not given.
 double QValue(const std::string& text) {
     char* end = nullptr;
     errno = 0;
@@ -44,6 +34,8 @@ double QValue(const std::string& text) {
     }
     return q;
 }
+
+}  // namespace
 
 std::vector<Choice> Choices(const char* header) {
     std::vector<Choice> out;
@@ -78,29 +70,6 @@ std::vector<Choice> Choices(const char* header) {
     return out;
 }
 
-}  // namespace
-
-MetricsFormat PreferredFormat(const char* accept) {
-    MetricsFormat best = MetricsFormat::Text;
-    double bestQ = 0.0;
-    for (const Choice& choice : Choices(accept)) {
-        MetricsFormat format;
-        if (choice.value == "application/openmetrics-text") {
-            format = MetricsFormat::OpenMetrics;
-        } else if (choice.value == "text/plain" || choice.value == "text/*" ||
-                   choice.value == "*/*") {
-            format = MetricsFormat::Text;
-        } else {
-            continue;
-        }
-        if (choice.q > bestQ) {
-            best = format;
-            bestQ = choice.q;
-        }
-    }
-    return best;
-}
-
 bool AcceptsGzip(const char* acceptEncoding) {
     std::optional<double> named, any;
     for (const Choice& choice : Choices(acceptEncoding)) {
@@ -111,22 +80,6 @@ bool AcceptsGzip(const char* acceptEncoding) {
         }
     }
     return named ? *named > 0.0 : any.value_or(0.0) > 0.0;
-}
-
-std::optional<uint64_t> SinceArgument(const char* text) {
-    if (text == nullptr) {
-        return 0;
-    }
-    const std::string digits = text;
-    if (digits.empty() || digits.find_first_not_of("0123456789") != std::string::npos) {
-        return std::nullopt;
-    }
-    errno = 0;
-    const unsigned long long since = std::strtoull(digits.c_str(), nullptr, 10);
-    if (errno == ERANGE) {
-        return std::nullopt;
-    }
-    return since;
 }
 
 }  // namespace voractl

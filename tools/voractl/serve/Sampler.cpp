@@ -9,7 +9,7 @@
 
 #include "Format.h"
 #include "Reading.h"
-#include "Truth.h"
+#include "ToolError.h"
 #include "json/JsonPtr.h"
 
 using vorajson::JsonPtr;
@@ -70,26 +70,25 @@ Sampler::~Sampler() {
     thread_.join();
 }
 
-void Sampler::take() {
-    std::string items;
-    Taken taken;
+void Sampler::take() noexcept {
     try {
         const JsonPtr records = read_();
-        items = JsonText(records.get());
-        taken = Take(records.get());
-    } catch (const std::exception& e) {
-        std::fprintf(stderr, "voractl: cannot sample the board: %s\n", e.what());
-        return;
+        std::string items = JsonText(records.get());
+        Taken taken = Take(records.get());
+        Sample sample{0, UnixTime(), std::move(taken.values)};
+        std::lock_guard<std::mutex> lock(mutex_);
+        ring_.push_back(std::move(sample));  // the one step that may fail under the lock
+        ring_.back().seq = ++seq_;
+        items_.swap(items);
+        texts_.swap(taken.texts);
+        alarms_.swap(taken.alarms);
+        while (ring_.size() > keep_) {
+            ring_.pop_front();
+        }
+        taken_.notify_all();
+    } catch (...) {
+        ReportFailure("cannot sample the board", std::current_exception());
     }
-    std::lock_guard<std::mutex> lock(mutex_);
-    items_ = std::move(items);
-    texts_ = std::move(taken.texts);
-    alarms_ = std::move(taken.alarms);
-    ring_.push_back(Sample{++seq_, UnixTime(), std::move(taken.values)});
-    while (ring_.size() > keep_) {
-        ring_.pop_front();
-    }
-    taken_.notify_all();
 }
 
 void Sampler::touch() {
@@ -99,7 +98,7 @@ void Sampler::touch() {
     }
 }
 
-void Sampler::run() {
+void Sampler::run() noexcept {
     const auto period = std::chrono::duration_cast<std::chrono::steady_clock::duration>(
         std::chrono::duration<double>(interval_));
     for (;;) {

@@ -51,8 +51,8 @@ private:
         std::string values;  // a JSON object: item id -> true value (null: unreadable)
     };
 
-    void run();
-    void take();
+    void run() noexcept;
+    void take() noexcept;
     // A page asked: sampling goes on (or starts again).
     void touch();
 

@@ -1,7 +1,5 @@
 #include "Serve.h"
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <signal.h>
 #include <sys/resource.h>
 
@@ -13,6 +11,7 @@
 #include "Exporter.h"
 #include "Format.h"
 #include "Http.h"
+#include "ListenAddress.h"
 #include "Sampler.h"
 #include "Session.h"
 #include "Site.h"
@@ -21,19 +20,6 @@
 namespace voractl {
 
 namespace {
-
-// "127.0.0.1:19719" or "[::1]:19719", with the port actually bound.
-std::string AddressText(const ListenAddress& listen, unsigned port) {
-    char host[INET6_ADDRSTRLEN] = "";
-    if (listen.address.ss_family == AF_INET6) {
-        inet_ntop(AF_INET6, &reinterpret_cast<const sockaddr_in6*>(&listen.address)->sin6_addr, host,
-                  sizeof host);
-        return "[" + std::string(host) + "]:" + std::to_string(port);
-    }
-    inet_ntop(AF_INET, &reinterpret_cast<const sockaddr_in*>(&listen.address)->sin_addr, host,
-              sizeof host);
-    return std::string(host) + ":" + std::to_string(port);
-}
 
 // The limits, with as many connections as the process may open files for
 // (less a margin for the module and the board library). Like Go's servers,
@@ -70,22 +56,17 @@ void Reload(HttpServer& server, const std::string& path) {
         server.reload(web);
         std::fprintf(stderr, "voractl: SIGHUP: serving with the web configuration %s as reread%s\n",
                      path.c_str(), web.users.empty() ? "" : " (basic auth)");
-    } catch (const ToolError& e) {
-        std::fprintf(stderr, "voractl: SIGHUP: %s; the web configuration in use is kept\n",
-                     e.what());
+    } catch (...) {
+        const Exit failure = ExitFor(std::current_exception());
+        std::fprintf(stderr, "voractl: SIGHUP: %s%s; the web configuration in use is kept\n",
+                     failure.reason, failure.detail);
     }
 }
 
-}  // namespace
-
-int Serve(Context& context) {
-    const ListenAddress listen =
-        ParseListenAddress(context.options.listen.empty() ? kDefaultListen : context.options.listen);
-    const WebConfig web =
-        context.options.webConfig.empty() ? WebConfig{} : LoadWebConfig(context.options.webConfig);
-
-    // SIGTERM, SIGINT and SIGHUP are taken by this thread alone, between
-    // scrapes' work on others; a client that goes away never raises SIGPIPE.
+// SIGTERM, SIGINT and SIGHUP, blocked: they are taken by the thread that
+// waits for them alone, between the scrapes' work on others. A client that
+// goes away never raises SIGPIPE.
+sigset_t TakeSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
@@ -93,10 +74,49 @@ int Serve(Context& context) {
     sigaddset(&signals, SIGHUP);
     pthread_sigmask(SIG_BLOCK, &signals, nullptr);
     signal(SIGPIPE, SIG_IGN);
+    return signals;
+}
 
+// Serves until SIGTERM or SIGINT, rereading the web configuration at
+// SIGHUP. A module that did not come up is tried again after 1, 2, 4, ...
+// seconds, a minute at most between tries.
+void ServeUntilStopped(const sigset_t& signals, Exporter& exporter, HttpServer& server,
+                       const std::string& webConfig) {
+    long delay = 1;
+    for (;;) {
+        const timespec wait{exporter.opened() ? 3600 : delay, 0};
+        const int signal = sigtimedwait(&signals, nullptr, &wait);
+        if (signal == SIGTERM || signal == SIGINT) {
+            return;
+        }
+        if (signal == SIGHUP) {
+            Reload(server, webConfig);
+        }
+        if (signal < 0 && errno != EAGAIN && errno != EINTR) {
+            throw ToolError(std::string("cannot wait for signals: ") + std::strerror(errno));
+        }
+        if (!exporter.opened()) {
+            if (exporter.tryOpen() == 0) {
+                std::fprintf(stderr, "voractl: the module came up\n");
+                delay = 1;
+            } else {
+                delay = std::min(delay * 2, 60L);
+            }
+        }
+    }
+}
+
+}  // namespace
+
+int Serve(Context& context) {
+    const Options& options = context.options;
+    const ListenAddress listen =
+        ParseListenAddress(options.listen.empty() ? kDefaultListen : options.listen);
+    const WebConfig web =
+        options.webConfig.empty() ? WebConfig{} : LoadWebConfig(options.webConfig);
+    const sigset_t signals = TakeSignals();
     Exporter exporter(context.session);
-    uint32_t status = exporter.tryOpen();
-    if (status != 0) {
+    if (const uint32_t status = exporter.tryOpen(); status != 0) {
         std::fprintf(stderr, "voractl: the module did not come up (%s); serving voradrv_up 0 and "
                              "trying again\n", StatusText(status).c_str());
     }
@@ -104,40 +124,15 @@ int Serve(Context& context) {
         // The page's samples: every --interval seconds (2 by default) while
         // pages ask, the last 300 kept; a minute (or ten intervals) after the
         // last request, no more readings.
-        const double interval = context.options.interval;
-        Sampler sampler([&exporter] { return exporter.records(); }, interval, 300,
-                        std::max(60.0, 10 * interval));
+        Sampler sampler([&exporter] { return exporter.records(); }, options.interval, 300,
+                        std::max(60.0, 10 * options.interval));
         HttpServer server(listen, Limits(), web, ExporterSite(exporter, sampler));
         const std::string url = std::string(web.tls() ? "https" : "http") + "://" +
                                 AddressText(listen, server.port());
         std::fprintf(stderr, "voractl: serving the board's metrics on %s/metrics%s\n", url.c_str(),
                      web.users.empty() ? "" : " (basic auth)");
         std::fprintf(stderr, "voractl: the board page is %s/\n", url.c_str());
-        // A module that did not come up is tried again after 1, 2, 4, ...
-        // seconds, a minute at most between tries.
-        long delay = 1;
-        for (;;) {
-            const timespec wait{exporter.opened() ? 3600 : delay, 0};
-            const int signal = sigtimedwait(&signals, nullptr, &wait);
-            if (signal == SIGTERM || signal == SIGINT) {
-                break;
-            }
-            if (signal == SIGHUP) {
-                Reload(server, context.options.webConfig);
-            }
-            if (signal < 0 && errno != EAGAIN && errno != EINTR) {
-                throw ToolError(std::string("cannot wait for signals: ") + std::strerror(errno));
-            }
-            if (!exporter.opened()) {
-                status = exporter.tryOpen();
-                if (status == 0) {
-                    std::fprintf(stderr, "voractl: the module came up\n");
-                    delay = 1;
-                } else {
-                    delay = std::min(delay * 2, 60L);
-                }
-            }
-        }
+        ServeUntilStopped(signals, exporter, server, options.webConfig);
         std::fprintf(stderr, "voractl: stopping\n");
     }  // every connection closed, its thread ended; the sampler stopped
     exporter.close();

@@ -13,7 +13,7 @@ ThrottledLog::~ThrottledLog() {
     }
 }
 
-void ThrottledLog::say(const std::string& message) {
+void ThrottledLog::say(const std::string& message) noexcept {
     const auto now = std::chrono::steady_clock::now();
     std::lock_guard<std::mutex> lock(mutex_);
     if (said_ && now - last_ < period_) {

@@ -22,7 +22,7 @@ public:
     ThrottledLog& operator=(const ThrottledLog&) = delete;
 
     // "voractl: <message>", unless one was printed within the period.
-    void say(const std::string& message);
+    void say(const std::string& message) noexcept;
 
 private:
     const std::string what_;

@@ -1,14 +1,23 @@
 #include "WorkQueue.h"
 
+#include "ToolError.h"
+
 namespace voractl {
 
 WorkQueue::WorkQueue(unsigned threads, size_t bound) : bound_(bound) {
-    for (unsigned i = 0; i < threads; ++i) {
-        threads_.emplace_back([this] { run(); });
+    try {
+        for (unsigned i = 0; i < threads; ++i) {
+            threads_.emplace_back([this] { run(); });
+        }
+    } catch (...) {
+        stop();  // the threads started, before the system refused one
+        throw;
     }
 }
 
-WorkQueue::~WorkQueue() {
+WorkQueue::~WorkQueue() { stop(); }
+
+void WorkQueue::stop() noexcept {
     {
         std::lock_guard<std::mutex> lock(mutex_);
         stopping_ = true;
@@ -41,7 +50,13 @@ void WorkQueue::run() {
         std::function<void()> job = std::move(jobs_.front());
         jobs_.pop_front();
         lock.unlock();
-        job();
+        try {
+            job();
+        } catch (...) {
+            // A job answers for itself; this one could not, and the thread
+            // goes on with the next.
+            ReportFailure(nullptr, std::current_exception());
+        }
         lock.lock();
     }
 }

@@ -15,7 +15,8 @@ namespace voractl {
 
 class WorkQueue {
 public:
-    // `threads` run the jobs; at most `bound` wait for one.
+    // `threads` run the jobs; at most `bound` wait for one. Throws
+    // std::system_error when the system gives no thread.
     WorkQueue(unsigned threads, size_t bound);
     // Runs the jobs still waiting, then ends the threads.
     ~WorkQueue();
@@ -27,6 +28,8 @@ public:
 
 private:
     void run();
+    // Runs the jobs still waiting, then ends the threads.
+    void stop() noexcept;
 
     const size_t bound_;
     std::mutex mutex_;
