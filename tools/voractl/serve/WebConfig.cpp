@@ -140,45 +140,57 @@ bool IsBcrypt(const std::string& hash) {
     return kDigits.find(hash[28]) % 16 == 0 && kDigits.find(hash[59]) % 4 == 0;
 }
 
+// The files tls_server_config names.
+struct TlsFiles {
+    std::string cert;
+    std::string key;
+};
+
+void ReadTlsSetting(Document& doc, const std::string& name, yaml_node_t* value, TlsFiles& files,
+                    WebConfig& config) {
+    const std::string where = "tls_server_config." + name;
+    if (name == "cert_file") {
+        files.cert = doc.scalar(value, where);
+    } else if (name == "key_file") {
+        files.key = doc.scalar(value, where);
+    } else if (name == "min_version") {
+        const std::string version = doc.scalar(value, where);
+        if (version == "TLS12") {
+            config.priorities = kTls12;
+        } else if (version == "TLS13") {
+            config.priorities = kTls13;
+        } else {
+            doc.fail(where, "TLS12 or TLS13 (older versions are not offered)");
+        }
+    } else if (name == "client_auth_type") {
+        if (doc.scalar(value, where) != "NoClientCert") {
+            doc.fail(where, "only NoClientCert: client certificates are not supported");
+        }
+    } else if (name == "cert" || name == "key") {
+        doc.fail(where, "give the PEM in a file, as cert_file and key_file");
+    } else {
+        doc.fail(where, "not supported by this exporter (it supports cert_file, key_file, "
+                        "min_version and client_auth_type NoClientCert)");
+    }
+}
+
 void ReadTls(Document& doc, yaml_node_t* section, const std::string& path, WebConfig& config) {
-    std::string cert, key;
+    TlsFiles files;
     config.priorities = kTls12;
     for (const auto& [name, value] : doc.members(section, "tls_server_config")) {
-        const std::string where = "tls_server_config." + name;
-        if (name == "cert_file") {
-            cert = doc.scalar(value, where);
-        } else if (name == "key_file") {
-            key = doc.scalar(value, where);
-        } else if (name == "min_version") {
-            const std::string version = doc.scalar(value, where);
-            if (version == "TLS12") {
-                config.priorities = kTls12;
-            } else if (version == "TLS13") {
-                config.priorities = kTls13;
-            } else {
-                doc.fail(where, "TLS12 or TLS13 (older versions are not offered)");
-            }
-        } else if (name == "client_auth_type") {
-            if (doc.scalar(value, where) != "NoClientCert") {
-                doc.fail(where, "only NoClientCert: client certificates are not supported");
-            }
-        } else if (name == "cert" || name == "key") {
-            doc.fail(where, "give the PEM in a file, as cert_file and key_file");
-        } else {
-            doc.fail(where, "not supported by this exporter (it supports cert_file, key_file, "
-                            "min_version and client_auth_type NoClientCert)");
-        }
+        ReadTlsSetting(doc, name, value, files, config);
     }
-    if (cert.empty() != key.empty() || (cert.empty() && section != nullptr &&
-                                        section->type == YAML_MAPPING_NODE)) {
+    if (files.cert.empty() != files.key.empty() ||
+        (files.cert.empty() && section != nullptr && section->type == YAML_MAPPING_NODE)) {
         doc.fail("tls_server_config", "needs both cert_file and key_file");
     }
-    if (!cert.empty()) {
-        config.certificate = ReadFile(Beside(path, cert), "the TLS certificate");
-        config.key = ReadFile(Beside(path, key), "the TLS key");
+    if (!files.cert.empty()) {
+        config.certificate = ReadFile(Beside(path, files.cert), "the TLS certificate");
+        config.key = ReadFile(Beside(path, files.key), "the TLS key");
         if (config.certificate.empty() || config.key.empty()) {
             // Never plain HTTP where TLS was asked for.
-            doc.fail("tls_server_config", (config.certificate.empty() ? cert : key) + " is empty");
+            doc.fail("tls_server_config",
+                     (config.certificate.empty() ? files.cert : files.key) + " is empty");
         }
     }
 }
