@@ -81,6 +81,22 @@ std::string Absolute(const std::string& path) {
     return std::string(here) + "/" + path;
 }
 
+// Follows the link at `here`, reached through `done`: its target's names
+// go first in `todo`, walked from the root when the target is absolute.
+void Follow(const std::string& here, const struct stat& status, std::string& done,
+            std::deque<std::string>& todo) {
+    CheckPlanted(done, here, status);
+    const std::string target = ReadLink(here);
+    if (target.empty()) {
+        Fail(here, ENOENT);
+    }
+    if (target[0] == '/') {
+        done.clear();
+    }
+    std::deque<std::string> more = Names(target);
+    todo.insert(todo.begin(), more.begin(), more.end());
+}
+
 }  // namespace
 
 void Fail(const std::string& what, int error) {
@@ -119,16 +135,7 @@ Place Resolve(const std::string& path) {
             if (++links > kMostLinks) {
                 Fail(path, ELOOP);
             }
-            CheckPlanted(done, here, status);
-            const std::string target = ReadLink(here);
-            if (target.empty()) {
-                Fail(here, ENOENT);
-            }
-            if (target[0] == '/') {
-                done.clear();
-            }
-            std::deque<std::string> more = Names(target);
-            todo.insert(todo.begin(), more.begin(), more.end());
+            Follow(here, status, done, todo);
             continue;
         }
         if (!todo.empty() && !S_ISDIR(status.st_mode)) {
