@@ -2,6 +2,7 @@
 
 #include <time.h>
 
+#include <algorithm>
 #include <cstdio>
 
 #include "Format.h"
@@ -24,9 +25,17 @@ double Seconds() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
-std::string Gauge(const char* name, const char* help, const std::string& value) {
+std::string Fixed(double value, int decimals) {
+    char text[64];
+    std::snprintf(text, sizeof text, "%.*f", decimals, value);
+    return text;
+}
+
+// The exporter's own metric: a gauge family of one sample.
+std::string Gauge(const char* name, const char* help, const std::string& labels,
+                  const std::string& value) {
     return std::string("# HELP ") + name + " " + help + "\n# TYPE " + name + " gauge\n" + name +
-           " " + value + "\n";
+           labels + " " + value + "\n";
 }
 
 }  // namespace
@@ -38,36 +47,27 @@ std::string Exporter::read() {
     std::string failure;
     {
         std::lock_guard<std::mutex> lock(module_);
+        std::vector<Reading> readings;  // none while the module is not up
         if (session_.opened()) {
-            const std::vector<Reading> readings = session_.readAll(session_.items());
+            readings = session_.readAll(session_.items());
             // Up: the board library answered every item of this scrape. A
             // library that starts failing is down, with the items it still
             // answers published and the others counted as unreadable.
-            up = true;
-            for (const Reading& reading : readings) {
-                up = up && reading.value != nullptr;
-            }
-            text = PrometheusText(readings);
-        } else {
-            text = PrometheusText({});  // nothing read, nothing unreadable
+            up = std::all_of(readings.begin(), readings.end(),
+                             [](const Reading& reading) { return reading.value != nullptr; });
         }
+        text = PrometheusText(readings);
         if (failedAt_ > 0) {
-            char at[32];
-            std::snprintf(at, sizeof at, "%.3f", failedAt_);
-            failure = std::string("# HELP voradrv_last_initialize_error_timestamp_seconds When "
-                                  "initialising the module last failed, and the status it gave.\n"
-                                  "# TYPE voradrv_last_initialize_error_timestamp_seconds gauge\n"
-                                  "voradrv_last_initialize_error_timestamp_seconds{error=\"") +
-                      StatusText(failure_) + "\"} " + at + "\n";
+            failure = Gauge("voradrv_last_initialize_error_timestamp_seconds",
+                            "When initialising the module last failed, and the status it gave.",
+                            "{error=\"" + StatusText(failure_) + "\"}", Fixed(failedAt_, 3));
         }
     }
-    char duration[32];
-    std::snprintf(duration, sizeof duration, "%.6f", Seconds() - start);
     return text + failure +
            Gauge("voradrv_up", "1 when the module is up and its board library answered every item.",
-                 up ? "1" : "0") +
-           Gauge("voradrv_scrape_duration_seconds", "Time this scrape took to read the board.",
-                 duration);
+                 "", up ? "1" : "0") +
+           Gauge("voradrv_scrape_duration_seconds", "Time this scrape took to read the board.", "",
+                 Fixed(Seconds() - start, 6));
 }
 
 void Exporter::scrape(std::chrono::steady_clock::time_point arrived, Scraped done) {
