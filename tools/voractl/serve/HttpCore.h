@@ -32,6 +32,9 @@ public:
     WorkQueue workers;
     ThrottledLog library{"messages of libmicrohttpd", std::chrono::seconds(10)};
     std::atomic<bool> starting{false};  // libmicrohttpd's messages then shown as they come
+    // The answer when not even an error can be made (memory ran out): made
+    // beforehand, it costs nothing to give.
+    const std::string cannotAnswer = "The exporter cannot answer now: try again.\n";
 
     std::unique_ptr<Gate> active;
     std::mutex mutex;  // guards what follows

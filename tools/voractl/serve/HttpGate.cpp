@@ -24,14 +24,11 @@ const char kPolicy[] =
 const char kPlain[] = "text/plain; charset=utf-8";
 const char kUnauthorised[] = "Unauthorised: give a user and password of the web configuration.\n";
 
-// The answer when not even an error can be made (memory ran out): made
-// beforehand, it costs nothing to give.
-const std::string kCannotAnswer = "The exporter cannot answer now: try again.\n";
-
-HttpReply CannotAnswer() {
-    // Aliases the text, owning nothing.
+// The core's answer made beforehand: its body aliases the text and owns
+// nothing, so giving it allocates nothing.
+HttpReply CannotAnswer(const HttpCore& core) {
     return HttpReply{503, std::shared_ptr<const std::string>(std::shared_ptr<const std::string>(),
-                                                            &kCannotAnswer),
+                                                            &core.cannotAnswer),
                      nullptr, false};
 }
 
@@ -288,7 +285,7 @@ void Gate::work(Exchange& exchange, const std::function<void()>& back) noexcept 
         }
     } catch (...) {
         if (answered == nullptr || !answered->exchange(true)) {
-            exchange.reply = CannotAnswer();
+            exchange.reply = CannotAnswer(core);
             exchange.stage = Exchange::Stage::Answered;
             back();
         }
@@ -318,7 +315,7 @@ MHD_Result Gate::aside(MHD_Connection* connection, Exchange& exchange,
                                              "Too many requests at once: try again.\n");
         }
     } catch (...) {
-        exchange.reply = CannotAnswer();
+        exchange.reply = CannotAnswer(core);
     }
     if (!started) {
         exchange.stage = Exchange::Stage::Answered;

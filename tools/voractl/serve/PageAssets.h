@@ -9,7 +9,7 @@ namespace voractl {
 struct PageAsset {
     const char* path;  // "/", "/page.js", "/page.css"
     const char* type;  // its Content-Type
-    std::string text;
+    const char* text;  // built in, so that nothing is copied before it is served
 };
 
 // The asset served at `path`; null for none.
