@@ -50,6 +50,12 @@ const char *vorasim_call_log(void);
 /** Forget the recorded calls. */
 void vorasim_clear_log(void);
 
+/** When the library replays a recording rather than simulating a board:
+ *  the recording's library, date and redaction as a JSON object
+ *  ({"name", "generation", "path", "recorded", "redacted"}); "" otherwise.
+ *  The text lives as long as the library. */
+const char *vorasim_replay(void);
+
 #ifdef __cplusplus
 }
 #endif

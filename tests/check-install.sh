@@ -33,6 +33,10 @@ trap 'rm -rf "$root"' EXIT
 cmake --install "$build" --prefix "$root/first" >/dev/null
 outside=$(grep -v "^$root/first/" "$build/install_manifest.txt" || true)
 [ -z "$outside" ] || fail "installed outside the prefix: $outside"
+for unit in voradrv-exporter.service voradrv-textfile.service; do
+    grep -q "^ExecStart=$root/first/bin/voractl " "$root/first/lib/systemd/system/$unit" ||
+        fail "$unit does not start the voractl installed beside it"
+done
 mv "$root/first" "$root/usr"  # it must not matter where the tree was installed
 prefix=$root/usr
 export VORA_SIM_STATE=$root/board.json VORA_SIM_TIME=0

@@ -85,8 +85,8 @@ struct Board {
     const uint32_t* value(const std::string& key) const;
 };
 
-// A fault: calls of `function` (with key argument `arg`, when given) answer
-// differently from the model.
+// A fault: calls of `function` (a function of one of the board libraries,
+// with key argument `arg`, when given) answer differently from the model.
 struct Fault {
     std::string function;
     std::optional<uint32_t> arg;
@@ -94,12 +94,17 @@ struct Fault {
     std::optional<uint32_t> value;     // written to every numeric output
     std::optional<uint32_t> length;    // reported as a text's length
     bool unterminated = false;         // text fills the buffer without a terminator
+    double latencyMs = 0.0;            // the call takes this long before it answers
+    double jitterMs = 0.0;             // and up to this much longer, at random
+    bool hang = false;                 // the call never returns
     std::optional<unsigned> times;     // fires this many times, then is gone
     unsigned after = 0;                // lets this many matching calls pass first
 
     // True when the fault only changes the status: the call then returns it
     // at once and leaves the board and every output alone.
-    bool statusOnly() const { return !value && !length && !unterminated; }
+    bool statusOnly() const { return status && !value && !length && !unterminated; }
+    // True when the fault makes the call slow, or never return.
+    bool delays() const { return hang || latencyMs > 0.0 || jitterMs > 0.0; }
 };
 
 }  // namespace vorasim

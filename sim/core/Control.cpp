@@ -1,6 +1,7 @@
 // The simulator's control interface (vorasim.h).
 #include "vorasim.h"
 
+#include "Replay.h"
 #include "Sim.h"
 
 using vorasim::Sim;
@@ -37,5 +38,10 @@ void vorasim_log_enable(int on) { Sim::get().logEnable(on != 0); }
 const char* vorasim_call_log(void) { return Sim::get().logText().c_str(); }
 
 void vorasim_clear_log(void) { Sim::get().clearLog(); }
+
+const char* vorasim_replay(void) {
+    static const std::string header = vorasim::Replay::active() != nullptr ? vorasim::Replay::active()->header() : "";
+    return header.c_str();
+}
 
 }  // extern "C"

@@ -1,20 +1,18 @@
 // Reading a board profile (JSON text) into a Board and its faults.
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "Board.h"
+#include "record/JsonPath.h"
 
 namespace vorasim {
 
-// A profile that cannot be used; what() names the place and the problem,
-// for example "sensors.voltage[2].value: expected a number".
-class ProfileError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+// A profile that cannot be used; what() names the place, what was expected
+// and what was found: "sensors.voltage[2].value: expected a number, found
+// the text \"high\"".
+using ProfileError = vorarec::JsonError;
 
 struct Profile {
     Board board;

@@ -41,6 +41,15 @@ json_t* FormatFault(const Fault& fault) {
     if (fault.unterminated) {
         json_object_set_new(f, "unterminated", json_true());
     }
+    if (fault.latencyMs > 0.0) {
+        json_object_set_new(f, "latency_ms", json_real(fault.latencyMs));
+    }
+    if (fault.jitterMs > 0.0) {
+        json_object_set_new(f, "jitter_ms", json_real(fault.jitterMs));
+    }
+    if (fault.hang) {
+        json_object_set_new(f, "hang", json_true());
+    }
     if (fault.times) {
         json_object_set_new(f, "times", json_integer(*fault.times));
     }
@@ -50,14 +59,8 @@ json_t* FormatFault(const Fault& fault) {
     return f;
 }
 
-}  // namespace
-
-std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) {
-    static const char* const kKinds[kSensorKinds] = {"temperature", "voltage", "fan", "current",
-                                                     "case_open"};
-    const std::unique_ptr<json_t, decltype(&json_decref)> root(json_object(), &json_decref);
+json_t* FormatBoard(const Board& board) {
     json_t* b = json_object();
-    json_object_set_new(root.get(), "board", b);
     for (const auto& [key, text] : board.strings) {
         json_object_set_new(b, key.c_str(), json_string(text.c_str()));
     }
@@ -70,32 +73,41 @@ std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) 
                                                   c.value.c_str()));
     }
     json_object_set_new(b, "customer_strings", customer);
+    return b;
+}
 
+json_t* FormatSensor(const Sensor& s) {
+    json_t* sensor = json_pack("{s:i}", "index", s.index);
+    if (s.name) {
+        json_object_set_new(sensor, "name", json_string(s.name->c_str()));
+    }
+    if (s.raw) {
+        json_object_set_new(sensor, "raw", Hex(*s.raw));
+    } else {
+        json_object_set_new(sensor, "value", json_real(s.value));
+    }
+    if (s.amplitude != 0.0) {
+        json_object_set_new(sensor, "wave", json_pack("{s:f, s:f}", "amplitude", s.amplitude, "period", s.period));
+    }
+    return sensor;
+}
+
+json_t* FormatSensors(const Board& board) {
+    static const char* const kKinds[kSensorKinds] = {"temperature", "voltage", "fan", "current",
+                                                     "case_open"};
     json_t* sensors = json_object();
-    json_object_set_new(root.get(), "sensors", sensors);
     for (int kind = 0; kind < kSensorKinds; ++kind) {
         json_t* list = json_array();
         for (const Sensor& s : board.sensors[kind]) {
-            json_t* sensor = json_pack("{s:i}", "index", s.index);
-            if (s.name) {
-                json_object_set_new(sensor, "name", json_string(s.name->c_str()));
-            }
-            if (s.raw) {
-                json_object_set_new(sensor, "raw", Hex(*s.raw));
-            } else {
-                json_object_set_new(sensor, "value", json_real(s.value));
-            }
-            if (s.amplitude != 0.0) {
-                json_object_set_new(sensor, "wave", json_pack("{s:f, s:f}", "amplitude",
-                                                              s.amplitude, "period", s.period));
-            }
-            json_array_append_new(list, sensor);
+            json_array_append_new(list, FormatSensor(s));
         }
         json_object_set_new(sensors, kKinds[kind], list);
     }
+    return sensors;
+}
 
+json_t* FormatPins(const Board& board) {
     json_t* pins = json_array();
-    json_object_set_new(root.get(), "gpio", pins);
     for (const Pin& p : board.pins) {
         json_t* pin = json_pack("{s:i, s:b, s:b, s:s, s:i}", "pin", p.pin, "input", p.input,
                                 "output", p.output, "direction", p.direction == 1 ? "in" : "out",
@@ -105,9 +117,11 @@ std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) 
         }
         json_array_append_new(pins, pin);
     }
+    return pins;
+}
 
+json_t* FormatPanels(const Board& board) {
     json_t* panels = json_array();
-    json_object_set_new(root.get(), "backlight", panels);
     for (const Panel& p : board.panels) {
         json_t* panel = json_pack("{s:i, s:i, s:i, s:i}", "panel", p.panel, "min", p.minimum, "max",
                                   p.maximum, "step", p.step);
@@ -122,7 +136,10 @@ std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) 
         }
         json_array_append_new(panels, panel);
     }
+    return panels;
+}
 
+json_t* FormatNetwork(const Board& board) {
     json_t* words = json_object();
     for (const auto& [id, values] : board.network) {
         json_t* list = json_array();
@@ -133,8 +150,18 @@ std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) 
         std::snprintf(key, sizeof key, "0x%X", id);
         json_object_set_new(words, key, list);
     }
-    json_object_set_new(root.get(), "network", json_pack("{s:o}", "words", words));
+    return json_pack("{s:o}", "words", words);
+}
 
+}  // namespace
+
+std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) {
+    const std::unique_ptr<json_t, decltype(&json_decref)> root(json_object(), &json_decref);
+    json_object_set_new(root.get(), "board", FormatBoard(board));
+    json_object_set_new(root.get(), "sensors", FormatSensors(board));
+    json_object_set_new(root.get(), "gpio", FormatPins(board));
+    json_object_set_new(root.get(), "backlight", FormatPanels(board));
+    json_object_set_new(root.get(), "network", FormatNetwork(board));
     if (!faults.empty()) {
         json_t* list = json_array();
         for (const Fault& fault : faults) {
@@ -142,7 +169,6 @@ std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) 
         }
         json_object_set_new(root.get(), "faults", list);
     }
-
     char* text = json_dumps(root.get(), JSON_INDENT(2));
     std::string result = text == nullptr ? "{}" : text;
     std::free(text);

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <memory>
 
+#include "Delay.h"
+#include "Mirror.h"
 #include "Sim.h"
 #include "Units.h"
 #include "files/Path.h"
@@ -25,26 +27,45 @@ std::string Dump(const json_t* json) {
     return result;
 }
 
-// The read that mirrors a write: "Set" (or "Write") becomes "Get" ("Read").
-std::string ReadOf(const std::string& write) {
-    std::string read = write;
-    for (const auto& [from, to] : {std::pair{"Set", "Get"}, std::pair{"Write", "Read"}}) {
-        const size_t at = read.find(from);
-        if (at != std::string::npos) {
-            return read.replace(at, std::strlen(from), to);
+// The bits a write set in an output of a read: {"mask": {"5": 1}} sets bit 5
+// of "mask" in `out` and clears what is 0 there.
+void SetBits(const json_t* bits, json_t* out) {
+    const char* output;
+    json_t* each;
+    json_object_foreach(const_cast<json_t*>(bits), output, each) {
+        json_t* value = json_object_get(out, output);
+        if (!json_is_integer(value)) {
+            continue;
         }
+        json_int_t word = json_integer_value(value);
+        const char* bit;
+        json_t* set;
+        json_object_foreach(each, bit, set) {
+            const long n = std::strtol(bit, nullptr, 10);
+            if (n >= 0 && n < 32) {
+                word = json_integer_value(set) != 0 ? word | (json_int_t{1} << n) : word & ~(json_int_t{1} << n);
+            }
+        }
+        json_integer_set(value, word);
     }
-    return "";
 }
 
 }  // namespace
 
 Replay::Replay(const std::string& generation)
-    : success_(json_integer(generation == "3" ? kV3Ok : kOk)),
-      unsupported_(json_integer(generation == "3" ? kV3Failed : kUnsupported)),
-      failed_(json_integer(generation == "3" ? kV3Failed : kError)) {}
+    : ok_(generation == "3" ? kV3Ok : kOk),
+      unsupported_(generation == "3" ? kV3Failed : kUnsupported),
+      failed_(generation == "3" ? kV3Failed : kError) {
+    const char* timing = std::getenv("VORA_SIM_TIMING");
+    timing_ = timing != nullptr && std::strcmp(timing, "1") == 0;
+}
 
-Replay* Replay::active() { return Active().get(); }
+// The first call into the library reads its board, so that even the
+// library's initialise is answered from a recording.
+Replay* Replay::active() {
+    Sim::get();
+    return Active().get();
+}
 
 bool Replay::Load(const std::string& text, std::string& error) {
     const std::string generation = ThisLibrary().generation;
@@ -53,8 +74,8 @@ bool Replay::Load(const std::string& text, std::string& error) {
         return false;
     }
     if (replay->recording_.generation() != generation) {
-        error = "library.generation: a recording of the \"" + replay->recording_.generation() +
-                "\" library, not of this one (\"" + generation + "\")";
+        error = "library.generation: expected \"" + generation + "\", the generation of " +
+                ThisLibrary().name + ", found \"" + replay->recording_.generation() + "\"";
         return false;
     }
     try {
@@ -67,7 +88,66 @@ bool Replay::Load(const std::string& text, std::string& error) {
     return true;
 }
 
-// The state file: {"replay_writes": {key: what the read answers}}.
+std::string Replay::header() const {
+    const vorarec::JsonPtr header(json_pack(
+        "{s:s, s:s, s:s, s:s, s:b}", "name", recording_.name().c_str(), "generation",
+        recording_.generation().c_str(), "path", recording_.path().c_str(), "recorded",
+        recording_.recorded().c_str(), "redacted", recording_.redacted()));
+    return Dump(header.get());
+}
+
+Replay::Reply Replay::read(const vorarec::Signature& signature, const json_t* in) {
+    std::optional<vorafiles::Lock> lock;
+    refresh(false, lock);
+    Reply reply;
+    const auto recorded = recording_.next(signature.function, in);
+    if (recorded) {
+        reply.status = static_cast<uint32_t>(json_integer_value(recorded->status));
+        reply.out.reset(json_deep_copy(recorded->out));
+        reply.seconds = recorded->seconds;
+    }
+    const auto written = written_.find(vorarec::Recording::Key(signature.function, in));
+    if (written != written_.end()) {
+        const vorarec::JsonPtr whole(json_deep_copy(written->second.get()));
+        json_object_del(whole.get(), "bits");
+        if (json_object_size(whole.get()) > 0) {
+            reply.out.reset(json_incref(whole.get()));
+            reply.status = ok_;
+        }
+        if (reply.out != nullptr) {
+            SetBits(json_object_get(written->second.get(), "bits"), reply.out.get());
+        }
+    }
+    if (reply.out == nullptr) {
+        missing(signature, in);
+        reply.status = unsupported_;
+    }
+    return reply;
+}
+
+Replay::Reply Replay::write(const vorarec::Signature& signature, const json_t* in) {
+    std::optional<vorafiles::Lock> lock;
+    const bool usable = refresh(true, lock);
+    Reply reply;
+    reply.status = ok_;
+    if (const auto recorded = recording_.next(signature.function, in)) {
+        reply.status = static_cast<uint32_t>(json_integer_value(recorded->status));
+        reply.out.reset(json_deep_copy(recorded->out));
+        reply.seconds = recorded->seconds;
+    }
+    if (reply.status == ok_ && !(usable && remember(signature, in))) {
+        reply.status = failed_;
+    }
+    return reply;
+}
+
+void Replay::pace(double seconds) const {
+    if (timing_) {
+        Wait(seconds);
+    }
+}
+
+// The state file: {"replay_writes": {key: what was written, as written_}}.
 void Replay::loadWrites() {
     if (!state_.kept()) {
         return;
@@ -77,7 +157,7 @@ void Replay::loadWrites() {
         return;
     }
     json_error_t error;
-    JsonPtr kept{json_loadb(text->data(), text->size(), 0, &error)};
+    const vorarec::JsonPtr kept{json_loadb(text->data(), text->size(), 0, &error)};
     if (kept == nullptr) {
         throw vorafiles::FileError(std::string("line ") + std::to_string(error.line) + ": " + error.text);
     }
@@ -85,7 +165,9 @@ void Replay::loadWrites() {
     const char* key;
     json_t* out;
     json_object_foreach(json_object_get(kept.get(), "replay_writes"), key, out) {
-        written_[key] = JsonPtr{json_incref(out)};
+        if (json_is_object(out)) {
+            written_[key] = vorarec::JsonPtr{json_incref(out)};
+        }
     }
 }
 
@@ -93,18 +175,15 @@ bool Replay::saveWrites() {
     if (!state_.kept()) {
         return true;
     }
-    JsonPtr writes{json_object()};
+    const vorarec::JsonPtr writes{json_object()};
     for (const auto& [key, out] : written_) {
         json_object_set(writes.get(), key.c_str(), out.get());
     }
-    JsonPtr kept{json_pack("{s:O}", "replay_writes", writes.get())};
-    char* text = json_dumps(kept.get(), JSON_COMPACT);
+    const vorarec::JsonPtr kept{json_pack("{s:O}", "replay_writes", writes.get())};
     try {
-        state_.write(text != nullptr ? text : "{}");
-        std::free(text);
+        state_.write(Dump(kept.get()));
         return true;
     } catch (const vorafiles::FileError& e) {
-        std::free(text);
         problem("cannot save the board state", e.what());
         return false;
     }
@@ -133,35 +212,37 @@ bool Replay::refresh(bool writes, std::optional<vorafiles::Lock>& lock) {
     }
 }
 
-// The key of a write's mirroring read is the write's inputs without the
-// value written (its last parameter); that value is what the read answers.
 bool Replay::remember(const vorarec::Signature& signature, const json_t* in) {
-    const std::string read = ReadOf(signature.function);
-    if (read.empty() || signature.params.empty()) {
+    const std::optional<Mirror> mirror = MirrorOf(signature, in);
+    if (!mirror) {
         return true;
     }
-    const std::string& value = signature.params.back().name;
-    JsonPtr key{json_deep_copy(in)};
-    json_object_del(key.get(), value.c_str());
-    JsonPtr out{json_object()};
-    json_object_set(out.get(), value.c_str(), json_object_get(in, value.c_str()));
-    const std::string at = read + "\x1f" + Dump(key.get());
-    JsonPtr before = std::move(written_[at]);
-    written_[at] = std::move(out);
-    if (!saveWrites()) {
-        if (before) {
-            written_[at] = std::move(before);
-        } else {
-            written_.erase(at);
-        }
-        return false;
+    vorarec::JsonPtr& written = written_[mirror->read];
+    const vorarec::JsonPtr before(written != nullptr ? json_deep_copy(written.get()) : nullptr);
+    if (written == nullptr) {
+        written.reset(json_object());
     }
-    return true;
-}
-
-const json_t* Replay::writtenFor(const vorarec::Signature& signature, const json_t* in) const {
-    const auto at = written_.find(signature.function + "\x1f" + Dump(in));
-    return at == written_.end() ? nullptr : at->second.get();
+    if (mirror->bit) {
+        json_t* bits = json_object_get(written.get(), "bits");
+        if (bits == nullptr) {
+            json_object_set_new(written.get(), "bits", bits = json_object());
+        }
+        json_t* output = json_object_get(bits, mirror->output.c_str());
+        if (output == nullptr) {
+            json_object_set_new(bits, mirror->output.c_str(), output = json_object());
+        }
+        json_object_set(output, std::to_string(*mirror->bit).c_str(), mirror->value.get());
+    } else {
+        json_object_set(written.get(), mirror->output.c_str(), mirror->value.get());
+    }
+    if (saveWrites()) {
+        return true;
+    }
+    written.reset(before != nullptr ? json_incref(before.get()) : nullptr);
+    if (written == nullptr) {
+        written_.erase(mirror->read);
+    }
+    return false;
 }
 
 void Replay::missing(const vorarec::Signature& signature, const json_t* in) {

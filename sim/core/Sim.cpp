@@ -6,6 +6,7 @@
 #include <cstring>
 #include <ctime>
 
+#include "Delay.h"
 #include "Profile.h"
 #include "Replay.h"
 #include "Units.h"
@@ -165,20 +166,24 @@ Call::Call(const char* function) : sim_(Sim::get()) {
     if (sim_.logging()) {
         line_ = function;
     }
-    if (sim_.keepsState()) {
-        enter(function);
-    }
-    fault_ = sim_.takeFault(function, std::nullopt);
+    begin(function, std::nullopt);
 }
 
 Call::Call(const char* function, uint32_t key) : sim_(Sim::get()) {
     if (sim_.logging()) {
         line_ = std::string(function) + " " + Hex(key);
     }
+    begin(function, key);
+}
+
+void Call::begin(const char* function, std::optional<uint32_t> key) {
+    fault_ = sim_.takeFault(function, key);
+    if (fault_ && fault_->delays()) {
+        Delay(*fault_);
+    }
     if (sim_.keepsState()) {
         enter(function);
     }
-    fault_ = sim_.takeFault(function, key);
 }
 
 void Sim::stateProblem(const std::string& what, const std::string& reason) const {

@@ -86,7 +86,9 @@ private:
 };
 
 // One call of a library function: recorded in the call log when it ends, and
-// matched against the faults when it starts.
+// matched against the faults when it starts. A fault that makes the call
+// slow, or never return, is served first, before the call takes the kept
+// board's lock, so that it holds up no other process.
 class Call {
 public:
     explicit Call(const char* function);
@@ -136,6 +138,8 @@ public:
 
 private:
     static uint32_t LostStatus();
+    // The fault for this call, if any, and the time it makes the call take.
+    void begin(const char* function, std::optional<uint32_t> key);
     // With a kept board: the lock for a change, and the board brought up to
     // date with the file.
     void enter(const char* function);

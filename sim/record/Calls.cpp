@@ -79,7 +79,27 @@ std::string Quoted(const std::string& text) {
     return result;
 }
 
-Signature::Signature(const char* name, const char* parameters) : function(name) {
+namespace {
+
+// The kind of a declaration's type: "unsigned short* value" holds a U16.
+Kind KindOf(const std::string& type) {
+    const bool isUnsigned = type.find("unsigned") != std::string::npos;
+    if (type.find("char") != std::string::npos) {
+        return isUnsigned ? Kind::U8 : Kind::Text;
+    }
+    if (type.find("short") != std::string::npos) {
+        return Kind::U16;
+    }
+    if (type.find("float") != std::string::npos || type.find("double") != std::string::npos) {
+        return Kind::Real;
+    }
+    return isUnsigned ? Kind::U32 : Kind::I32;
+}
+
+}  // namespace
+
+Signature::Signature(const char* name, const char* parameters, const char* result)
+    : function(name), returns(std::string(result) != "void") {
     // "(unsigned int id, char* buffer, unsigned int* length)"
     std::string text = parameters;
     for (char& c : text) {
@@ -93,7 +113,8 @@ Signature::Signature(const char* name, const char* parameters) : function(name) 
         const size_t last = decl.find_last_not_of(' ');
         if (last != std::string::npos) {
             const size_t first = decl.find_last_of(" *", last) + 1;
-            params.push_back({decl.substr(first, last + 1 - first), decl.find('*') != std::string::npos});
+            params.push_back({decl.substr(first, last + 1 - first), decl.find('*') != std::string::npos,
+                              KindOf(decl.substr(0, first))});
         }
         start = end + 1;
     }

@@ -19,17 +19,22 @@
 
 namespace vorarec {
 
+// What a parameter (or what it points to) holds, from its C type.
+enum class Kind { U32, U16, U8, I32, Real, Text };
+
 struct Param {
     std::string name;
     bool pointer = false;
+    Kind kind = Kind::U32;
 };
 
 // A library function's name and parameters, from its table row.
 struct Signature {
-    Signature(const char* function, const char* parameters);
+    Signature(const char* function, const char* parameters, const char* result = "uint32_t");
     std::string function;
     std::vector<Param> params;
-    bool writes = false;  // changes the board (a Set, Write or Screen call)
+    bool writes = false;   // changes the board (a Set, Write or Screen call)
+    bool returns = true;   // answers a status (every function but a void one)
 };
 
 // True for a library function that changes the board: a Set, Write or

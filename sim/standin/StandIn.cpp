@@ -6,11 +6,14 @@
 // - with VORA_TRACE=1, prints the call to standard error as it returns, one
 //   line each, like ltrace: the function, what went in, the status, what
 //   came out and the time it took;
-// - with VORA_RECORD=FILE, keeps the answer to every distinct call and
-//   writes the recording to FILE (by files/Write.h's rules) when the library
-//   is shut down, and at exit when calls came after that; with
-//   VORA_RECORD_FD=N instead, makes descriptor N (voractl's file in memory)
-//   hold the recording at those times, so it never reaches a disk.
+// - with VORA_RECORD=FILE, keeps every answer to every distinct call, in
+//   order, with the time it took, and writes the recording to FILE (by
+//   files/Write.h's rules; redacted with VORA_RECORD_REDACT=1) when the
+//   library is shut down, when its initialise fails, when the recording is
+//   full, and at exit when calls came after that; with VORA_RECORD_FD=N
+//   instead, makes descriptor N (voractl's file in memory) hold the
+//   recording at those times, so it never reaches a disk.
+// A full recording (Recording.h) takes no more calls; that is said once.
 // It is built once per library: STANDIN_TABLE, STANDIN_NAME (the library's
 // name) and STANDIN_GENERATION say which.
 #include <dlfcn.h>
@@ -25,6 +28,7 @@
 #include STANDIN_TABLE_HEADER
 #include "files/Write.h"
 #include "record/Calls.h"
+#include "record/Libraries.h"
 #include "record/Recording.h"
 
 namespace {
@@ -57,6 +61,8 @@ struct StandIn {
         if (handed != nullptr && *handed != '\0' && *end == '\0' && fd >= 0 && fd < 65536) {
             handTo = static_cast<int>(fd);
         }
+        const char* redact = std::getenv("VORA_RECORD_REDACT");
+        redacted = redact != nullptr && std::strcmp(redact, "1") == 0;
         recording.setLibrary(STANDIN_NAME, STANDIN_GENERATION, this->path);
     }
     ~StandIn() { save(); }
@@ -66,6 +72,21 @@ struct StandIn {
 
     bool records() const { return handTo >= 0 || !recordTo.empty(); }
 
+    // The recording's text, redacted when asked; what is not to be written
+    // unredacted is never written.
+    std::string text() const {
+        if (!redacted) {
+            return recording.text();
+        }
+        vorarec::Recording copy;
+        std::string error;
+        if (!copy.load(recording.text(), error)) {
+            throw vorafiles::FileError("it cannot be redacted: " + error);
+        }
+        copy.redact();
+        return copy.text();
+    }
+
     void save() {
         if (!unsaved) {
             return;
@@ -73,9 +94,9 @@ struct StandIn {
         unsaved = false;
         try {
             if (handTo >= 0) {
-                vorafiles::Rewrite(handTo, recording.text());
+                vorafiles::Rewrite(handTo, text());
             } else if (!recordTo.empty()) {
-                vorafiles::Write(recordTo, recording.text());
+                vorafiles::Write(recordTo, text());
             }
         } catch (const vorafiles::FileError& e) {
             std::fprintf(stderr, "voradrv stand-in: cannot write the recording to %s: %s\n",
@@ -88,7 +109,8 @@ struct StandIn {
     bool trace = false;
     std::string recordTo;
     int handTo = -1;
-    bool unsaved = false;  // calls came since the recording was last written
+    bool redacted = false;  // VORA_RECORD_REDACT=1
+    bool unsaved = false;   // calls came since the recording was last written
     vorarec::Recording recording;
 };
 
@@ -136,12 +158,23 @@ struct Intercept {
             json_decref(out);
             return;
         }
-        state.recording.add(signature.function, in, status, out);
-        state.unsaved = true;
-        // A shut-down is where a host stops using the library: the
-        // recording is whole there (and is written again at exit).
+        const uint32_t result = status != nullptr ? static_cast<uint32_t>(json_integer_value(status)) : 0;
+        const bool wasFull = state.recording.full();
+        state.unsaved = state.recording.add(signature.function, in, status, out, took) || state.unsaved;
+        if (state.recording.full() && !wasFull) {
+            std::fprintf(stderr, "voradrv stand-in: the recording is full (%zu answers; it holds at most %zu "
+                         "answers and 16 MiB); later calls are not recorded\n",
+                         state.recording.answers(), vorarec::kMostAnswers);
+            state.unsaved = true;
+            state.save();
+        }
+        // A shut-down is where a host stops using the library, and so is an
+        // initialise that fails: the recording is whole there (and is
+        // written again at exit when more calls come).
+        const vorarec::Library& library = *vorarec::LibraryOf(STANDIN_GENERATION);
         if (signature.function.find("UnInit") != std::string::npos ||
-            signature.function.find("Uninit") != std::string::npos) {
+            signature.function.find("Uninit") != std::string::npos ||
+            (library.initialises(signature.function) && result != library.ok)) {
             state.save();
         }
     }
@@ -155,9 +188,12 @@ Intercept<Result, Args...> Through(const vorarec::Signature& signature, Result (
 }  // namespace
 
 // The file this stand-in stands in front of, for a host that asks which
-// board library it is using.
+// board library it is using; and for the host that records (voractl
+// record), whether the recording takes no more calls, and its writing now.
 extern "C" {
 __attribute__((visibility("default"))) const char* vora_standin_target = nullptr;
+__attribute__((visibility("default"))) int vora_standin_full(void) { return State().recording.full() ? 1 : 0; }
+__attribute__((visibility("default"))) void vora_standin_save(void) { State().save(); }
 }
 
 #define STANDIN_FUNCTION(result, name, parameters, arguments)                                 \

@@ -5,10 +5,10 @@ when the module or the board failed, 2 for a wrong command line.
   voractl: no board library: the module looks for /usr/lib/libVORA-4.00.so, /usr/lib64/libVORA-4.00.so, /usr/lib/libVORA-3.02.so and /usr/lib/libEApi.so (and /usr/lib64/libVORA-4.00.so again in place of the last two), and none is there; --sim runs against the simulated board
   [1]
   $ voractl --sim-generation 3 list
-  voractl: --sim-generation and --sim-reset choose the simulated board: give --sim too
+  voractl: --sim-generation, --sim-reset and --timing choose the simulated board: give --sim too
   [2]
   $ voractl --sim-reset list
-  voractl: --sim-generation and --sim-reset choose the simulated board: give --sim too
+  voractl: --sim-generation, --sim-reset and --timing choose the simulated board: give --sim too
   [2]
   $ voractl --module '' --sim list
   voractl: --module needs a file name

@@ -24,3 +24,8 @@ them: a write does not heal a sensor that fails once after its first read.
   voractl: cannot read Hardware Monitor/Voltage/VCORE2: error (0xFFFFF0FF)
    Voltage/VCORE2=N/A
    Voltage/VCORE2=2.000 V*
+
+A board written to is kept whole: read again from its state, it shows what
+it showed from its profile.
+
+  $ voractl --sim list > before.txt; voractl --sim set GPIO4/Dir=in; voractl --sim list | diff before.txt -

@@ -250,12 +250,16 @@ def readers(build, scratch, uid):
             "not-json": ["hello\n"],
             "deep": ["[" * 4000 + "]" * 4000],
             "too-large": [text] + ["x" * (1 << 20)] * (17 if recording else 2) + ['"}'],
-            "wrong-types": [header + '{"function": "F", "in": {}, "status": "0", "out": {}}]}' if recording
+            "wrong-types": [header + '{"function": "VoraLibInitialize", "in": {}, "status": "0", "out": {}}]}' if recording
                             else "basic_auth_users: [1]\n" if yaml else '{"board": {"name": 5}}'],
             "invalid-utf8": [text, "\xff", '"}'],
             "control": [text, "\x1b[31m", '"}'],
             "calls": [header] + [call * 1000] * 101 + ["]}"],
             "million": [header] + [call * 1000] * 1000 + ["]}"],
+            "sequence": [header.replace('"4"', '"3"') + '{"function": "VoraDllGetVersion", "in": {}, "answers": ['] +
+                        ['{"out": {}},' * 1000] * 1000 + ['{"out": {}}]}]}'],
+            "duplicate": [header.replace('"version": 1,', '"version": 1, "version": 1,') + "]}" if recording
+                          else 'a: 1\na: 2\n' if yaml else '{"board": {"name": "A", "name": "B"}}'],
         }[name]
     failures = []
     readers_, rows = table("readers.txt")

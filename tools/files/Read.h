@@ -20,7 +20,7 @@ struct Limit {
 };
 
 // The most each kind of input may be. A profile of the largest board each
-// library can present is under 24 KiB, its recording under 64 KiB. A web
+// library can present is under 24 KiB, its recording under 80 KiB. A web
 // configuration is a few lines; libyaml takes time that grows with the
 // square of the nesting, a quarter of a second for 16 KiB of it.
 inline constexpr Limit kProfileLimit{1u << 20, "a board profile"};

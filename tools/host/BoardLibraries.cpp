@@ -3,7 +3,6 @@
 #include <dlfcn.h>
 #include <link.h>
 
-#include <iterator>
 #include <vector>
 
 namespace voradrv::host {
@@ -20,16 +19,38 @@ int Collect(struct dl_phdr_info* info, size_t, void* data) {
 
 std::string BaseName(const std::string& path) { return path.substr(path.rfind('/') + 1); }
 
-// The file behind a stand-in, or `path` itself for any other library.
-std::string Target(const std::string& path) {
+// A symbol of the loaded library `path`, or null.
+void* Symbol(const std::string& path, const char* name) {
     void* handle = dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD);
     if (handle == nullptr) {
-        return path;
+        return nullptr;
     }
-    const auto* target = static_cast<const char* const*>(dlsym(handle, "vora_standin_target"));
-    std::string result = target != nullptr && *target != nullptr ? *target : path;
-    dlclose(handle);
-    return result;
+    void* symbol = dlsym(handle, name);
+    dlclose(handle);  // the module holds the library open
+    return symbol;
+}
+
+// The files of the board library in use as loaded: of the board libraries
+// loaded, those of the last in the order the module tries them (a stand-in
+// and the library behind it share its name), and which that is.
+std::vector<std::string> InUse(const KnownLibrary*& known) {
+    std::vector<std::string> paths;
+    dl_iterate_phdr(Collect, &paths);
+    std::vector<std::string> found;
+    known = nullptr;
+    for (const KnownLibrary& library : kBoardLibraries) {
+        std::vector<std::string> these;
+        for (const std::string& path : paths) {
+            if (BaseName(path) == std::string(library.name) + ".so") {
+                these.push_back(path);
+            }
+        }
+        if (!these.empty()) {
+            found = these;
+            known = &library;
+        }
+    }
+    return found;
 }
 
 }  // namespace
@@ -43,21 +64,41 @@ const KnownLibrary* LibraryOfGeneration(const std::string& generation) {
     return nullptr;
 }
 
+std::string GenerationText(const std::string& generation) {
+    const KnownLibrary* library = LibraryOfGeneration(generation);
+    return library != nullptr ? library->text : generation;
+}
+
 std::optional<BoardLibrary> LoadedBoardLibrary() {
-    std::vector<std::string> paths;
-    dl_iterate_phdr(Collect, &paths);
-    std::optional<BoardLibrary> found;
-    size_t rank = 0;  // of the one found, in the module's order, from 1
+    const KnownLibrary* known = nullptr;
+    const std::vector<std::string> paths = InUse(known);
+    if (known == nullptr) {
+        return std::nullopt;
+    }
+    BoardLibrary library{paths.front(), known->name, known->generation, ""};
     for (const std::string& path : paths) {
-        for (size_t i = 0; i < std::size(kBoardLibraries); ++i) {
-            const KnownLibrary& library = kBoardLibraries[i];
-            if (BaseName(path) == std::string(library.name) + ".so" && i + 1 >= rank) {
-                found = BoardLibrary{Target(path), library.name, library.generation, library.text};
-                rank = i + 1;
-            }
+        if (const auto* target = static_cast<const char* const*>(Symbol(path, "vora_standin_target"));
+            target != nullptr && *target != nullptr) {
+            library.path = *target;
+        }
+        using Replay = const char* (*)();
+        if (const auto replay = reinterpret_cast<Replay>(Symbol(path, "vorasim_replay"))) {
+            library.replay = replay();
         }
     }
-    return found;
+    return library;
+}
+
+std::optional<Recorder> LoadedRecorder() {
+    const KnownLibrary* known = nullptr;
+    for (const std::string& path : InUse(known)) {
+        const Recorder recorder{reinterpret_cast<int (*)()>(Symbol(path, "vora_standin_full")),
+                                reinterpret_cast<void (*)()>(Symbol(path, "vora_standin_save"))};
+        if (recorder.full != nullptr && recorder.save != nullptr) {
+            return recorder;
+        }
+    }
+    return std::nullopt;
 }
 
 }  // namespace voradrv::host

@@ -35,12 +35,19 @@ inline constexpr KnownLibrary kBoardLibraries[] = {
 // The library of `generation` ("4", "3", "eapi"); null for none.
 const KnownLibrary* LibraryOfGeneration(const std::string& generation);
 
+// "fourth generation", "third generation" or "Embedded API"; a generation
+// the table does not know (one a recording names, say) as it is.
+std::string GenerationText(const std::string& generation);
+
 // A board library loaded in this process.
 struct BoardLibrary {
     std::string path;        // the file the dynamic loader opened
     std::string name;        // "libVORA-4.00", "libVORA-3.02" or "libEApi"
     std::string generation;  // "4", "3" or "eapi"
-    std::string text;        // "fourth generation"
+    // When the library is the board simulator replaying a recording: the
+    // recording's library, date and redaction, as a JSON object's text
+    // ({"name", "generation", "path", "recorded", "redacted"}); else "".
+    std::string replay;
 };
 
 // The board library the module is using, from the dynamic loader's list of
@@ -50,5 +57,14 @@ struct BoardLibrary {
 // front of a library (one that names its target through the symbol
 // `vora_standin_target`) is seen through: its target is reported.
 std::optional<BoardLibrary> LoadedBoardLibrary();
+
+// The stand-in recording the board library in use (the last loaded, as
+// above), when one records: whether its recording is full and takes no
+// more calls, and its writing of the recording now.
+struct Recorder {
+    int (*full)();
+    void (*save)();
+};
+std::optional<Recorder> LoadedRecorder();
 
 }  // namespace voradrv::host

@@ -2,12 +2,14 @@
 
 #include <map>
 
+#include "BoardLibraries.h"
 #include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
 #include "ToolError.h"
 #include "json/JsonPtr.h"
 
+using voradrv::host::GenerationText;
 using vorajson::JsonPtr;
 using vorajson::Own;
 
@@ -21,7 +23,31 @@ std::string LibraryText(const Session& session) {
     if (!library) {
         return "none found";
     }
-    return library->name + " (" + library->text + "), " + Printable(library->path);
+    return library->name + " (" + GenerationText(library->generation) + "), " + Printable(library->path);
+}
+
+// The recording the simulated board library replays, when it does: null
+// for none.
+JsonPtr Replayed(const Session& session) {
+    const auto& library = session.library();
+    if (!library || library->replay.empty()) {
+        return Own(nullptr);
+    }
+    return Own(json_loads(library->replay.c_str(), 0, nullptr));
+}
+
+// "libVORA-4.00 (fourth generation), /usr/lib/libVORA-4.00.so, recorded
+// 2026-11-24T10:17:04Z, redacted".
+std::string ReplayText(const json_t* replay) {
+    const auto text = [&](const char* key) {
+        const char* value = json_string_value(json_object_get(replay, key));
+        return Printable(value != nullptr ? value : "");
+    };
+    const char* generation = json_string_value(json_object_get(replay, "generation"));
+    std::string line = text("name") + " (" + GenerationText(generation != nullptr ? generation : "") + ")";
+    line += json_string_length(json_object_get(replay, "path")) > 0 ? ", " + text("path") : "";
+    line += ", recorded " + text("recorded");
+    return line + (json_is_true(json_object_get(replay, "redacted")) ? ", redacted" : ", not redacted");
 }
 
 // The items of the selectors; every item without any.
@@ -44,24 +70,28 @@ int Info(Context& context) {
     }
     const std::string version = session.modulePath() == DefaultModulePath() ? VORACTL_VERSION : "unknown";
     const auto& library = session.library();
+    const JsonPtr replay = Replayed(session);
     if (context.options.json) {
         JsonPtr items = Own(json_object());
         for (const std::string& block : blocks) {
             json_object_set_new(items.get(), block.c_str(), json_integer(counts[block]));
         }
         JsonPtr info = Own(json_pack(
-            "{s:{s:s, s:s}, s:o, s:O}", "module", "path", session.modulePath().c_str(), "version",
+            "{s:{s:s, s:s}, s:o, s:O, s:O}", "module", "path", session.modulePath().c_str(), "version",
             version.c_str(), "board_library",
             library ? json_pack("{s:s, s:s, s:s}", "path", library->path.c_str(), "name",
                                 library->name.c_str(), "generation", library->generation.c_str())
                     : json_null(),
-            "items", items.get()));
+            "replay", replay != nullptr ? replay.get() : json_null(), "items", items.get()));
         PrintJson(context.out, info.get());
         return 0;
     }
     std::fprintf(context.out, "Module         %s (version %s)\n", Printable(session.modulePath()).c_str(),
                  version.c_str());
     std::fprintf(context.out, "Board library  %s\n", LibraryText(session).c_str());
+    if (replay != nullptr) {
+        std::fprintf(context.out, "Replaying      %s\n", ReplayText(replay.get()).c_str());
+    }
     for (const std::string& block : blocks) {
         std::fprintf(context.out, "  %-22s %d item%s\n", Printable(block).c_str(), counts[block],
                      counts[block] == 1 ? "" : "s");

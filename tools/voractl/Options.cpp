@@ -31,7 +31,8 @@ const char kUsage[] =
     "                                    hardware-monitor sensor)\n"
     "  export --format senml|prometheus [--output FILE]\n"
     "                                    every readable item for monitoring\n"
-    "  record [--redact] [--output FILE] the board library's answers, as a file\n"
+    "  record [--redact] [--output FILE] [--duration S [--interval S]]\n"
+    "                                    the board library's answers, as a file\n"
     "                                    that --sim=FILE replays\n"
     "  serve [--listen ADDR:PORT] [--web-config FILE]\n"
     "                                    the board as a Prometheus target\n"
@@ -51,6 +52,8 @@ const char kUsage[] =
     "                         or eapi\n"
     "  --sim-reset            with --sim: start the simulated board again from its\n"
     "                         profile\n"
+    "  --timing               with --sim=RECORDING: each call takes as long as it\n"
+    "                         took when recorded\n"
     "  --trace                every call into the board library on standard error\n"
     "  --raw                  show the module's values as the board library gives\n"
     "                         them (tenths of a kelvin on an Embedded API library)\n"
@@ -150,12 +153,18 @@ const std::map<std::string, CommandSpec> kCommands = {
       "the exit status is 1; the rest is still written.\n",
       {"--format", "--output"}, 0, 0}},
     {"record",
-     {"Usage: voractl record [--redact] [--output FILE]\n\n"
+     {"Usage: voractl record [--redact] [--output FILE] [--duration SECONDS [--interval SECONDS]]\n\n"
       "Record the board library: initialise the module, ask for its capability,\n"
       "read every item with its own JSON type and shut it down, with a stand-in\n"
       "in front of the board library that keeps every distinct call and the\n"
-      "library's answer. Nothing is written to the board. The recording is a\n"
-      "board: voractl --sim=FILE replays it, anywhere.\n\n"
+      "library's answers to it, in order, with the time each took. Nothing is\n"
+      "written to the board. The recording is a board: voractl --sim=FILE\n"
+      "replays it, anywhere, as the board answered. A module that does not come\n"
+      "up and items that cannot be read are named, and recorded.\n\n"
+      "  --duration S   read every item every --interval seconds (default 2) for\n"
+      "                 S seconds, so that readings that drift and faults that\n"
+      "                 come and go are recorded as they happened; Ctrl-C ends\n"
+      "                 it early and keeps what was recorded\n"
       "  --redact       keep only the board's manufacturer, name, revisions,\n"
       "                 versions, platform type, sensor and panel names and its\n"
       "                 readings; replace every other text and every word of the\n"
@@ -163,7 +172,7 @@ const std::map<std::string, CommandSpec> kCommands = {
       "                 same form\n"
       "  --output FILE  where to write it, as export writes (default: standard\n"
       "                 output)\n",
-      {"--redact", "--output"}, 0, 0}},
+      {"--redact", "--output", "--duration", "--interval"}, 0, 0}},
     {"serve",
      {"Usage: voractl serve [--listen ADDRESS:PORT] [--web-config FILE]\n\n"
       "Serve the board's metrics over HTTP for Prometheus, until SIGTERM or\n"
@@ -209,14 +218,17 @@ bool OptionValue(const std::string& arg, const char* name, int& i, int argc, cha
     return true;
 }
 
-double ParseInterval(const std::string& text) {
+// Seconds from `least` to `most` for `option`.
+double ParseSeconds(const char* option, const std::string& text, double least, double most) {
     char* end = nullptr;
     errno = 0;
     const double seconds = std::strtod(text.c_str(), &end);
-    if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(seconds) ||
-        seconds < 0.01 || seconds > 86400.0) {
-        throw ToolError("--interval must be a number of seconds from 0.01 to 86400, not \"" +
-                        text + "\"", true);
+    if (text.empty() || *end != '\0' || errno != 0 || !std::isfinite(seconds) || seconds < least ||
+        seconds > most) {
+        char range[64];
+        std::snprintf(range, sizeof range, "from %g to %g", least, most);
+        throw ToolError(std::string(option) + " must be a number of seconds " + range + ", not \"" + text + "\"",
+                        true);
     }
     return seconds;
 }
@@ -234,6 +246,7 @@ long ParseCount(const std::string& text) {
 // The command's own options and arguments, from argv[i] on.
 void ParseCommand(Options& options, int i, int argc, char** argv) {
     const CommandSpec& command = kCommands.at(options.command);
+    bool interval = false;
     for (; i < argc; ++i) {
         const std::string arg = argv[i];
         const std::string name = arg.substr(0, arg.find('='));
@@ -259,7 +272,10 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
             ParseType(value);
             options.type = argv[i] + (arg == "--type" ? 0 : std::strlen("--type="));
         } else if (OptionValue(arg, "--interval", i, argc, argv, value)) {
-            options.interval = ParseInterval(value);
+            options.interval = ParseSeconds("--interval", value, 0.01, 86400.0);
+            interval = true;
+        } else if (OptionValue(arg, "--duration", i, argc, argv, value)) {
+            options.duration = ParseSeconds("--duration", value, 0.0, 7 * 86400.0);
         } else if (OptionValue(arg, "--count", i, argc, argv, value)) {
             options.count = ParseCount(value);
         } else if (OptionValue(arg, "--format", i, argc, argv, value)) {
@@ -291,6 +307,9 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
                                                         : nullptr;
         throw ToolError(wanted != nullptr ? wanted : options.command + " takes no arguments",
                         true);
+    }
+    if (options.command == "record" && interval && options.duration == 0.0) {
+        throw ToolError("record --interval reads the board again and again: give --duration too", true);
     }
     if (options.command == "export" && options.format.empty()) {
         throw ToolError("export needs --format senml or --format prometheus", true);
@@ -329,6 +348,9 @@ Options ParseOptions(int argc, char** argv) {
         } else if (arg == "--sim-reset") {
             options.simulation.reset = true;
             simOnly = true;
+        } else if (arg == "--timing") {
+            options.simulation.timing = true;
+            simOnly = true;
         } else if (arg == "--raw") {
             options.raw = true;
         } else if (arg == "--trace") {
@@ -346,7 +368,7 @@ Options ParseOptions(int argc, char** argv) {
         }
     }
     if (simOnly && !options.simulation.enabled) {
-        throw ToolError("--sim-generation and --sim-reset choose the simulated board: "
+        throw ToolError("--sim-generation, --sim-reset and --timing choose the simulated board: "
                         "give --sim too", true);
     }
     if (i >= argc) {

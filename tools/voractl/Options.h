@@ -21,7 +21,8 @@ struct Options {
     bool all = false;            // list --all: every item in its own row
     bool force = false;          // get/set --force: no check against the document
     const char* type = nullptr;  // get/set --type
-    double interval = 2.0;       // watch --interval, seconds
+    double interval = 2.0;       // watch, record --interval, seconds
+    double duration = 0.0;       // record --duration, seconds; 0: one reading
     long count = 0;              // watch --count; 0: until interrupted
     std::string format;          // export --format
     std::string output;          // export, record --output; empty: standard output

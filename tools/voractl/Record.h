@@ -1,5 +1,6 @@
 // voractl record: the board library's answers to everything the module asks
-// when a host reads the whole board, as a recording any simulator replays.
+// when a host reads the whole board, once or again and again over a while,
+// as a recording any simulator replays.
 #pragma once
 
 #include "Commands.h"
@@ -12,9 +13,14 @@ namespace voractl {
 // so an unredacted recording is nowhere but in this process.
 int RecordingChannel();
 
-// Reads every item with its own JSON type, shuts the module down, and
-// writes the recording (redacted with --redact) to --output. Returns 1 when
-// an item could not be read (its answer is recorded all the same).
+// Initialises the module and reads every item with its own JSON type, once,
+// or with --duration every --interval seconds for that long (until Ctrl-C or
+// SIGTERM), shuts the module down, and writes the recording (redacted with
+// --redact) to --output. A module that does not come up, and items that
+// cannot be read, are named on standard error and are in the recording,
+// which is then whole: the exit status is 0. It is 1 when nothing of the
+// board library was recorded, the output cannot be written, or the
+// recording filled up before the duration ended (what it holds is written).
 int Record(Context& context);
 
 }  // namespace voractl

@@ -174,12 +174,18 @@ std::string BoardFile(const SimulationRequest& request) {
 }
 
 // The library to simulate: a recording's own, else the one asked for (the
-// fourth generation when none is). A recording of another is refused.
+// fourth generation when none is). A recording of another is refused, and
+// --timing without a recording.
 const KnownLibrary& Chosen(const SimulationRequest& request, const std::string& profile) {
     const KnownLibrary* asked =
         request.generation.empty() ? nullptr : &LibraryOf(request.generation);
     const std::string recorded = profile.empty() ? "" : RecordingGeneration(profile);
     if (recorded.empty()) {
+        if (request.timing) {
+            throw ToolError("--timing replays a recording at its recorded speed: give "
+                            "--sim=RECORDING",
+                            true);
+        }
         return asked != nullptr ? *asked : kBoardLibraries[0];
     }
     const KnownLibrary& library = LibraryOf(recorded);
@@ -224,8 +230,9 @@ std::string SimulatedBoardState() {
 }
 
 void EnterSimulation(SimulationRequest request, char** argv) {
-    if ((!request.enabled && !request.trace && request.record < 0) ||
-        std::getenv(kMarker) != nullptr) {
+    const char* recordTo = std::getenv("VORA_RECORD");
+    const bool records = request.record >= 0 || (recordTo != nullptr && *recordTo != '\0');
+    if ((!request.enabled && !request.trace && !records) || std::getenv(kMarker) != nullptr) {
         return;
     }
     const std::string dir = SimulatorDirectory();
@@ -238,6 +245,9 @@ void EnterSimulation(SimulationRequest request, char** argv) {
     }
     if (request.record >= 0) {
         setenv("VORA_RECORD_FD", std::to_string(request.record).c_str(), 1);
+    }
+    if (request.timing) {
+        setenv("VORA_SIM_TIMING", "1", 1);
     }
     if (request.enabled) {
         Simulate(request, dir);

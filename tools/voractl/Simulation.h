@@ -13,12 +13,14 @@ struct SimulationRequest {
     std::string generation;        // "4", "3" or "eapi"; empty: 4, or the recording's
     bool reset = false;            // start again from the profile
     bool trace = false;            // every board library call on standard error
+    bool timing = false;           // a recording replayed at its recorded speed
     int record = -1;               // a descriptor to hand the board library's answers over
 };
 
 // Unless already done, sets up the path redirection (the simulated library
 // in place of the real one with `enabled`; a stand-in in front of the board
-// library to trace or record its calls) and re-executes the process with
+// library to trace or record its calls, for voractl record or VORA_RECORD
+// in the environment) and re-executes the process with
 // `argv`; returns when nothing needs it, or the process already runs so (or
 // on error, by throwing ToolError).
 //

@@ -16,6 +16,7 @@
 #include <set>
 
 #include "Format.h"
+#include "Pace.h"
 #include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
@@ -28,67 +29,6 @@ using vorajson::Own;
 namespace voractl {
 
 namespace {
-
-volatile std::sig_atomic_t gStop = 0;
-
-void OnStopSignal(int) { gStop = 1; }
-
-// SIGINT and SIGTERM end the watch between samples, so the module is
-// uninitialised on the way out; a reader that goes away (SIGPIPE) shows as a
-// failed write instead of killing the process.
-class StopSignals {
-public:
-    StopSignals() {
-        gStop = 0;
-        struct sigaction action {};
-        action.sa_handler = OnStopSignal;
-        action.sa_flags = SA_RESTART;  // the module's reads go on; the sleep ends
-        sigemptyset(&action.sa_mask);
-        sigaction(SIGINT, &action, &oldInt_);
-        sigaction(SIGTERM, &action, &oldTerm_);
-        struct sigaction ignore {};
-        ignore.sa_handler = SIG_IGN;
-        sigemptyset(&ignore.sa_mask);
-        sigaction(SIGPIPE, &ignore, &oldPipe_);
-    }
-    ~StopSignals() {
-        sigaction(SIGINT, &oldInt_, nullptr);
-        sigaction(SIGTERM, &oldTerm_, nullptr);
-        sigaction(SIGPIPE, &oldPipe_, nullptr);
-    }
-    StopSignals(const StopSignals&) = delete;
-    StopSignals& operator=(const StopSignals&) = delete;
-
-    // Waits until `deadline` (monotonic clock) or a stop signal. The signals
-    // are blocked from the check to the wait, which unblocks them, so none
-    // is missed between the two.
-    static void sleepUntil(const timespec& deadline) {
-        sigset_t stops;
-        sigset_t previous;
-        sigemptyset(&stops);
-        sigaddset(&stops, SIGINT);
-        sigaddset(&stops, SIGTERM);
-        sigprocmask(SIG_BLOCK, &stops, &previous);
-        for (;;) {
-            timespec now;
-            clock_gettime(CLOCK_MONOTONIC, &now);
-            long long left = (deadline.tv_sec - now.tv_sec) * 1000000000LL +
-                             (deadline.tv_nsec - now.tv_nsec);
-            if (gStop || left <= 0) {
-                break;
-            }
-            const timespec wait{static_cast<time_t>(left / 1000000000LL),
-                                static_cast<long>(left % 1000000000LL)};
-            ppoll(nullptr, 0, &wait, &previous);
-        }
-        sigprocmask(SIG_SETMASK, &previous, nullptr);
-    }
-
-private:
-    struct sigaction oldInt_ {};
-    struct sigaction oldTerm_ {};
-    struct sigaction oldPipe_ {};
-};
 
 // A terminal that can move its cursor: not one whose TERM is "dumb".
 bool Terminal(std::FILE* out) {
@@ -259,16 +199,6 @@ private:
     std::set<std::string> unreadable_;
 };
 
-timespec Add(timespec at, double seconds) {
-    const double whole = std::floor(seconds);
-    at.tv_sec += static_cast<time_t>(whole);
-    at.tv_nsec += static_cast<long>((seconds - whole) * 1e9);
-    if (at.tv_nsec >= 1000000000L) {
-        at.tv_sec += 1;
-        at.tv_nsec -= 1000000000L;
-    }
-    return at;
-}
 
 }  // namespace
 
@@ -291,25 +221,9 @@ int Watch(Context& context) {
     }
     StopSignals signals;
     Watcher sampler(context, std::move(items));
-    timespec next;
-    clock_gettime(CLOCK_MONOTONIC, &next);
-    for (long n = 0; (count == 0 || n < count) && !gStop; ++n) {
-        if (n > 0) {
-            // Samples keep their pace: each is due one interval after the
-            // one before was due, however long the reading took.
-            // A sample that took longer than the interval is not caught up.
-            next = Add(next, interval);
-            timespec now;
-            clock_gettime(CLOCK_MONOTONIC, &now);
-            if (now.tv_sec > next.tv_sec || (now.tv_sec == next.tv_sec && now.tv_nsec > next.tv_nsec)) {
-                next = now;
-            }
-            StopSignals::sleepUntil(next);
-            if (gStop) {
-                break;
-            }
-        }
-        if (!sampler.sample()) {
+    Pace pace(interval);
+    for (long n = 0; (count == 0 || n < count) && !StopSignals::stopped(); ++n) {
+        if ((n > 0 && !pace.wait()) || !sampler.sample()) {
             break;
         }
     }

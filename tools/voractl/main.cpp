@@ -22,8 +22,8 @@ namespace {
 
 int Run(const Options& options) {
     Session session(options.modulePath, options.quiet, options.raw);
-    if (options.command != "serve") {
-        session.open();  // serve keeps serving, and retrying, when it cannot
+    if (options.command != "serve" && options.command != "record") {
+        session.open();  // serve keeps serving, and retrying; record records the failure
     }
     Context context{session, options, stdout, Style(options.color, stdout)};
     const std::string& command = options.command;

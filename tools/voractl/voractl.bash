@@ -94,17 +94,17 @@ _voractl() {
                      { COMPREPLY=($(compgen -W "auto always never" -- "$cur")); return; } ;;
         --format) COMPREPLY=($(compgen -W "senml prometheus" -- "$cur")); return ;;
         --type) COMPREPLY=($(compgen -W "int real string" -- "$cur")); return ;;
-        --interval | --count | --listen) return ;;
+        --interval | --count | --listen | --duration) return ;;
     esac
     local options
     case $command in
-        "") options="--module --sim --sim-generation --sim-reset --trace --raw --quiet --color --help --version" ;;
+        "") options="--module --sim --sim-generation --sim-reset --timing --trace --raw --quiet --color --help --version" ;;
         info | caps) options="--json --help" ;;
         list) options="--all --json --help" ;;
         get | set) options="--json --type --force --help" ;;
         watch) options="--json --interval --count --help" ;;
         export) options="--format --output --help" ;;
-        record) options="--redact --output --help" ;;
+        record) options="--redact --output --duration --interval --help" ;;
         serve) options="--listen --web-config --interval --help" ;;
         help) COMPREPLY=($(compgen -W "info caps list get set watch export record serve" -- "$cur")); return ;;
     esac

@@ -166,7 +166,7 @@ std::string Exporter::library() {
         return "null";
     }
     JsonPtr json = Own(json_pack("{s:s, s:s, s:s}", "name", library->name.c_str(), "generation",
-                                 library->text.c_str(), "path",
+                                 voradrv::host::GenerationText(library->generation).c_str(), "path",
                                  library->path.c_str()));
     return JsonText(json.get());
 }
