@@ -20,6 +20,7 @@
 #include <cstring>
 #include <string>
 
+#include "BoardLibraries.h"
 #include "ModuleHost.h"
 #include "vorasim.h"
 
@@ -40,11 +41,10 @@ decltype(&vorasim_clear_log) clearLog;
 // module probes read as absent.
 void RedirectToSimulator() {
     std::string list;
-    for (const char* library : {"libVORA-4.00", "libVORA-3.02", "libEApi"}) {
-        for (const char* dir : {"/usr/lib", "/usr/lib64"}) {
-            const std::string path = std::string(dir) + "/" + library + ".so";
-            const bool present = path == "/usr/lib/libVORA-4.00.so";
-            list += (list.empty() ? "" : ":") + path + "=" + (present ? kSimulator : "");
+    for (const voradrv::host::KnownLibrary& library : voradrv::host::kBoardLibraries) {
+        for (const char* path : library.paths) {
+            const bool present = std::string(path) == voradrv::host::kBoardLibraries[0].paths[0];
+            list += (list.empty() ? "" : ":") + std::string(path) + "=" + (present ? kSimulator : "");
         }
     }
     setenv("VORA_REDIRECT", list.c_str(), 1);

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string>
 
-#include "Format.h"
+#include "ToolError.h"
 #include "WebConfig.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

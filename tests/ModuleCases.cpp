@@ -15,6 +15,7 @@
 #include <map>
 #include <sstream>
 
+#include "BoardLibraries.h"
 #include "Harness.h"
 
 using namespace vtest;

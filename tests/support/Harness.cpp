@@ -10,14 +10,14 @@
 #include <set>
 #include <sstream>
 
+#include "BoardLibraries.h"
 #include "vorasim.h"
 
 namespace vtest {
 
 namespace {
 
-const char* const kProbeDirs[] = {"/usr/lib", "/usr/lib64"};
-const char* const kLibraries[] = {"libVORA-4.00", "libVORA-3.02", "libEApi"};
+using voradrv::host::kBoardLibraries;
 
 std::vector<std::string>& TempFiles() {
     static std::vector<std::string> files;
@@ -36,14 +36,13 @@ std::vector<std::string>& TempFiles() {
 }  // namespace
 
 std::optional<Generation> GenerationNamed(const std::string& name) {
-    if (name == "4") return Generation::Vora4;
-    if (name == "3") return Generation::Vora3;
-    if (name == "eapi") return Generation::EApi;
-    return std::nullopt;
+    const voradrv::host::KnownLibrary* library = voradrv::host::LibraryOfGeneration(name);
+    if (library == nullptr) return std::nullopt;
+    return static_cast<Generation>(library - kBoardLibraries);
 }
 
 const char* LibraryName(Generation generation) {
-    return kLibraries[static_cast<int>(generation)];
+    return kBoardLibraries[static_cast<int>(generation)].name;
 }
 
 std::string SimLibraryPath(Generation generation) {
@@ -52,9 +51,8 @@ std::string SimLibraryPath(Generation generation) {
 
 void Redirect(const std::vector<std::pair<std::string, std::string>>& present) {
     std::string list;
-    for (const char* library : kLibraries) {
-        for (const char* dir : kProbeDirs) {
-            const std::string probed = std::string(dir) + "/" + library + ".so";
+    for (const voradrv::host::KnownLibrary& library : kBoardLibraries) {
+        for (const std::string probed : library.paths) {
             std::string target;
             for (const auto& [path, file] : present) {
                 if (path == probed) {

@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "ModuleHost.h"
+#include "json/JsonPtr.h"
 
 namespace vtest {
 
@@ -89,8 +90,8 @@ std::vector<std::string> Lines(const std::string& text);
 // "0x0000ABCD".
 std::string Hex(uint32_t value);
 
-using JsonPtr = std::unique_ptr<json_t, decltype(&json_decref)>;
-inline JsonPtr Own(json_t* json) { return JsonPtr(json, &json_decref); }
+using vorajson::JsonPtr;
+using vorajson::Own;
 // Parses JSON text; null (with `error` set when given) on a syntax error.
 JsonPtr Parse(const std::string& text, std::string* error = nullptr);
 // Compact JSON text of a value, keys in document order.

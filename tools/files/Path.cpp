@@ -81,6 +81,31 @@ std::string Absolute(const std::string& path) {
     return std::string(here) + "/" + path;
 }
 
+// "." stays where the walk is and ".." goes up from `done`, the root's
+// parent being the root; false for any other name.
+bool Dots(const std::string& name, std::string& done) {
+    if (name == "..") {
+        done.erase(done.rfind('/') == std::string::npos ? 0 : done.rfind('/'));
+    }
+    return name == "." || name == "..";
+}
+
+// Follows the link at `here`, reached through `done`: its target's names
+// go first in `todo`, walked from the root when the target is absolute.
+void Follow(const std::string& here, const struct stat& status, std::string& done,
+            std::deque<std::string>& todo) {
+    CheckPlanted(done, here, status);
+    const std::string target = ReadLink(here);
+    if (target.empty()) {
+        Fail(here, ENOENT);
+    }
+    if (target[0] == '/') {
+        done.clear();
+    }
+    std::deque<std::string> more = Names(target);
+    todo.insert(todo.begin(), more.begin(), more.end());
+}
+
 }  // namespace
 
 void Fail(const std::string& what, int error) {
@@ -97,11 +122,7 @@ Place Resolve(const std::string& path) {
     while (!todo.empty()) {
         const std::string name = todo.front();
         todo.pop_front();
-        if (name == ".") {
-            continue;
-        }
-        if (name == "..") {
-            done.erase(done.rfind('/') == std::string::npos ? 0 : done.rfind('/'));
+        if (Dots(name, done)) {
             continue;
         }
         if (todo.empty() && Number(name) && OwnDescriptors(done)) {
@@ -119,16 +140,7 @@ Place Resolve(const std::string& path) {
             if (++links > kMostLinks) {
                 Fail(path, ELOOP);
             }
-            CheckPlanted(done, here, status);
-            const std::string target = ReadLink(here);
-            if (target.empty()) {
-                Fail(here, ENOENT);
-            }
-            if (target[0] == '/') {
-                done.clear();
-            }
-            std::deque<std::string> more = Names(target);
-            todo.insert(todo.begin(), more.begin(), more.end());
+            Follow(here, status, done, todo);
             continue;
         }
         if (!todo.empty() && !S_ISDIR(status.st_mode)) {

@@ -28,6 +28,8 @@ inline constexpr Limit kStateLimit{1u << 20, "a simulated board's state"};
 inline constexpr Limit kRecordingLimit{16u << 20, "a recording"};
 inline constexpr Limit kConfigLimit{16u << 10, "a web configuration"};
 inline constexpr Limit kKeyLimit{1u << 20, "a certificate or key file"};
+// What the module prints during one call, or one reading of every item.
+inline constexpr Limit kModuleOutputLimit{1u << 20, "the module's messages"};
 
 // All of the file at `path`. Throws FileError with the reason: "it is a
 // FIFO, not a regular file", "it is 1073741824 bytes, more than the 1 MiB a

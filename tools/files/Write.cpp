@@ -224,6 +224,31 @@ void ToSocket(const std::string& path, std::string_view text) {
     }
 }
 
+// Writes `text` over what is at `path` (followed to its end), by its kind
+// (`status`).
+void WriteOver(const std::string& path, const struct stat& status, std::string_view text,
+               const WriteOptions& options) {
+    if (S_ISREG(status.st_mode)) {
+        // Whoever may not write the file may not replace it either.
+        const Descriptor fd(open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (fd.get() < 0) {
+            throw FileError(std::strerror(errno));
+        }
+        Replace(path, &status, text);
+    } else if (S_ISDIR(status.st_mode)) {
+        throw FileError("it is a directory (name a file in it)");
+    } else if (options.regularOnly) {
+        throw FileError("it leads to " + KindOf(status.st_mode) + ", not a regular file");
+    } else if (S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode)) {
+        InPlace(path, text);
+    } else if (S_ISSOCK(status.st_mode)) {
+        ToSocket(path, text);
+    } else {
+        throw FileError("it is " + KindOf(status.st_mode) +
+                        ", neither a file nor a FIFO, character device or socket");
+    }
+}
+
 }  // namespace
 
 void WriteAll(int descriptor, std::string_view text) {
@@ -285,25 +310,7 @@ void Write(const std::string& path, std::string_view text, const WriteOptions& o
         Replace(place.path, nullptr, text);
         return;
     }
-    if (S_ISREG(status.st_mode)) {
-        // Whoever may not write the file may not replace it either.
-        const Descriptor fd(open(place.path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (fd.get() < 0) {
-            throw FileError(std::strerror(errno));
-        }
-        Replace(place.path, &status, text);
-    } else if (S_ISDIR(status.st_mode)) {
-        throw FileError("it is a directory (name a file in it)");
-    } else if (options.regularOnly) {
-        throw FileError("it leads to " + KindOf(status.st_mode) + ", not a regular file");
-    } else if (S_ISFIFO(status.st_mode) || S_ISCHR(status.st_mode)) {
-        InPlace(place.path, text);
-    } else if (S_ISSOCK(status.st_mode)) {
-        ToSocket(place.path, text);
-    } else {
-        throw FileError("it is " + KindOf(status.st_mode) +
-                        ", neither a file nor a FIFO, character device or socket");
-    }
+    WriteOver(place.path, status, text, options);
 }
 
 }  // namespace vorafiles

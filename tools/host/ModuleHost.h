@@ -6,7 +6,6 @@
 #include <jansson.h>
 
 #include <cstdint>
-#include <optional>
 #include <stdexcept>
 #include <string>
 
@@ -55,33 +54,5 @@ private:
     VoraIoTSetMDValue_fn setValue_ = nullptr;
     VoraIoTSetMDEventHandler_fn setEventHandler_ = nullptr;
 };
-
-// A board library loaded in this process.
-struct BoardLibrary {
-    std::string path;        // the file the dynamic loader opened
-    std::string name;        // "libVORA-4.00", "libVORA-3.02" or "libEApi"
-    std::string generation;  // "4", "3" or "eapi"
-    // When the library is the board simulator replaying a recording: the
-    // recording's library, date and redaction, as a JSON object's text
-    // ({"name", "generation", "path", "recorded", "redacted"}); else "".
-    std::string replay;
-};
-
-// The board library the module is using, from the dynamic loader's list of
-// loaded objects. The module tries the libraries in a fixed order and loads
-// the next one only when the one before could not be initialised, so of
-// those loaded the last in that order is the one in use. A stand-in in
-// front of a library (one that names its target through the symbol
-// `vora_standin_target`) is seen through: its target is reported.
-std::optional<BoardLibrary> LoadedBoardLibrary();
-
-// The stand-in recording the board library in use (the last loaded, as
-// above), when one records: whether its recording is full and takes no
-// more calls, and its writing of the recording now.
-struct Recorder {
-    int (*full)();
-    void (*save)();
-};
-std::optional<Recorder> LoadedRecorder();
 
 }  // namespace voradrv::host

@@ -12,7 +12,9 @@
 #include "Items.h"
 #include "Record.h"
 #include "Serve.h"
+#include "ToolError.h"
 #include "Watch.h"
+#include "Writing.h"
 
 namespace voractl {
 
@@ -148,7 +150,8 @@ const char kUsageTail[] =
 
 }  // namespace
 
-const CommandLine& VoractlCommands() {
+// The table itself, however long: a row per command, not a function to split.
+const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
     static const CommandLine table{
         VORACTL_VERSION,
         kUsageHead,

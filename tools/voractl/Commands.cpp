@@ -2,10 +2,16 @@
 
 #include <map>
 
-#include "Format.h"
+#include "BoardLibraries.h"
 #include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
+#include "ToolError.h"
+#include "json/JsonPtr.h"
+
+using voradrv::host::GenerationText;
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

@@ -23,6 +23,5 @@ int Info(Context& context);
 int Caps(Context& context);
 int List(Context& context);
 int Get(Context& context);
-int Set(Context& context);
 
 }  // namespace voractl

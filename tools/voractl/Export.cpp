@@ -7,6 +7,11 @@
 #include "Prometheus.h"
 #include "Reading.h"
 #include "SenML.h"
+#include "ToolError.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

@@ -6,6 +6,7 @@
 
 #include "Format.h"
 #include "Printable.h"
+#include "ToolError.h"
 
 namespace voractl {
 

@@ -3,8 +3,11 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "Format.h"
+#include <cstdio>
+
 #include "Printable.h"
+#include "ToolError.h"
+#include "files/Read.h"
 
 namespace voractl {
 
@@ -16,51 +19,78 @@ ModuleOutput::ModuleOutput(bool quiet) : quiet_(quiet) {
 }
 
 ModuleOutput::~ModuleOutput() {
-    if (!partial_.empty() && !quiet_) {
-        std::fprintf(stderr, "module: %s\n", Printable(partial_).c_str());
+    try {
+        if (!partial_.empty()) {
+            pass("\n");  // a last line the module did not end
+        }
+    } catch (...) {
+        // Out of memory at the very end: that line is lost.
     }
     close(buffer_);
 }
 
-void ModuleOutput::begin() {
+void ModuleOutput::begin() noexcept {
     if (depth_++ > 0) {
         return;
     }
     std::fflush(stdout);
     original_ = dup(1);
-    dup2(buffer_, 1);
+    if (original_ >= 0 && dup2(buffer_, 1) < 0) {
+        close(original_);
+        original_ = -1;
+    }
 }
 
-void ModuleOutput::end() {
-    if (--depth_ > 0) {
+void ModuleOutput::end() noexcept {
+    if (--depth_ > 0 || original_ < 0) {
         return;
     }
     std::fflush(stdout);
     dup2(original_, 1);
     close(original_);
-    // What the module printed since the catch began, from the buffer's start.
-    std::string text;
-    char chunk[4096];
-    ssize_t n;
-    for (off_t at = 0; (n = pread(buffer_, chunk, sizeof chunk, at)) > 0; at += n) {
-        text.append(chunk, static_cast<size_t>(n));
-    }
-    // Emptied for the next catch; the module's writes went through a
-    // descriptor that shares this one's offset.
-    if (ftruncate(buffer_, 0) != 0 || lseek(buffer_, 0, SEEK_SET) != 0) {
-        throw ToolError("cannot set up the module's output");
-    }
-    text = partial_ + text;
-    size_t start = 0;
-    for (size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1) {
+    original_ = -1;
+    // What the module printed since the catch began, from the buffer's
+    // start; its writes went through a descriptor that shares this one's
+    // offset.
+    off_t size = passed_;
+    try {
+        const std::string text = vorafiles::ReadDescriptor(buffer_, vorafiles::kModuleOutputLimit);
+        size = static_cast<off_t>(text.size());
+        pass(text.substr(static_cast<size_t>(passed_)));
+    } catch (const vorafiles::FileError& e) {
+        size = lose();
         if (!quiet_) {
-            std::fprintf(stderr, "module: %s\n", Printable(text.substr(start, end - start)).c_str());
+            std::fprintf(stderr, "voractl: the module's messages are lost: %s\n", e.what());
+        }
+    } catch (...) {
+        size = lose();
+        if (!quiet_) {
+            ReportFailure("the module's messages are lost", std::current_exception());
         }
     }
-    partial_ = text.substr(start);
+    // Emptied for the next catch; when it cannot be, what was passed on is
+    // skipped then.
+    const bool emptied = ftruncate(buffer_, 0) == 0 && lseek(buffer_, 0, SEEK_SET) == 0;
+    passed_ = emptied ? 0 : size;
 }
 
-ModuleOutput::Catch::Catch(ModuleOutput& output) : output_(output) { output_.begin(); }
+off_t ModuleOutput::lose() noexcept {
+    partial_.clear();
+    return lseek(buffer_, 0, SEEK_END);
+}
+
+void ModuleOutput::pass(const std::string& text) {
+    std::string lines = partial_ + text;
+    size_t start = 0;
+    for (size_t end; (end = lines.find('\n', start)) != std::string::npos; start = end + 1) {
+        if (!quiet_) {
+            std::fprintf(stderr, "module: %s\n", Printable(lines.substr(start, end - start)).c_str());
+        }
+    }
+    partial_ = lines.substr(start);
+}
+
+ModuleOutput::Catch::Catch(ModuleOutput& output) noexcept : output_(output) { output_.begin(); }
 
 ModuleOutput::Catch::~Catch() { output_.end(); }
 

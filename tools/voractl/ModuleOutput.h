@@ -6,23 +6,28 @@
 // escaped (see Printable.h); with `quiet` it is dropped.
 #pragma once
 
-#include <cstdio>
+#include <sys/types.h>
+
 #include <string>
 
 namespace voractl {
 
 class ModuleOutput {
 public:
+    // Throws ToolError when there is no buffer to be had.
     explicit ModuleOutput(bool quiet);
     ~ModuleOutput();
     ModuleOutput(const ModuleOutput&) = delete;
     ModuleOutput& operator=(const ModuleOutput&) = delete;
 
     // While a Catch lives, what the module prints is caught; when it ends,
-    // it is passed on. Catches may nest (the outermost one counts).
+    // it is passed on. Catches may nest (the outermost one counts). Neither
+    // end throws: what cannot be passed on (memory ran out) is said to be
+    // lost, and a descriptor that cannot be spared leaves the module
+    // printing on standard output.
     class Catch {
     public:
-        explicit Catch(ModuleOutput& output);
+        explicit Catch(ModuleOutput& output) noexcept;
         ~Catch();
         Catch(const Catch&) = delete;
         Catch& operator=(const Catch&) = delete;
@@ -32,13 +37,18 @@ public:
     };
 
 private:
-    void begin();
-    void end();
+    void begin() noexcept;
+    void end() noexcept;
+    // Passes on the whole lines of `text`, keeping the last unfinished one.
+    void pass(const std::string& text);
+    // Drops what the buffer holds; its size.
+    off_t lose() noexcept;
 
     bool quiet_;
     int buffer_ = -1;    // where descriptor 1 points while catching
-    int original_ = -1;  // voractl's own standard output
+    int original_ = -1;  // voractl's own standard output while catching, else -1
     int depth_ = 0;
+    off_t passed_ = 0;     // of the buffer, passed on already (it could not be emptied)
     std::string partial_;  // a last line without its line end yet
 };
 

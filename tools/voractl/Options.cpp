@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "Format.h"
+#include "ToolError.h"
 
 namespace voractl {
 

@@ -1,6 +1,6 @@
 #include "Output.h"
 
-#include "Format.h"
+#include "ToolError.h"
 #include "files/Write.h"
 
 namespace voractl {

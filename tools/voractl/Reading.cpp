@@ -5,6 +5,7 @@
 #include "Format.h"
 #include "Printable.h"
 #include "Table.h"
+#include "ToolError.h"
 
 namespace voractl {
 

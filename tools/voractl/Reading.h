@@ -10,13 +10,14 @@
 
 #include "Items.h"
 #include "Truth.h"
+#include "json/JsonPtr.h"
 
 namespace voractl {
 
 struct Reading {
     const Item* item = nullptr;
-    JsonPtr value{nullptr, &json_decref};  // the true value; null when the read failed
-    JsonPtr raw{nullptr, &json_decref};    // the module's, when it differs from `value`
+    vorajson::JsonPtr value;  // the true value; null when the read failed
+    vorajson::JsonPtr raw;    // the module's, when it differs from `value`
     uint32_t status = 0;                   // the module's answer
     bool bare = false;                     // shown as the module's number (--raw)
     bool alarm = false;                    // the true value lies outside the published range

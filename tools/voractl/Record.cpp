@@ -7,11 +7,13 @@
 #include <cstdlib>
 #include <map>
 
+#include "BoardLibraries.h"
 #include "Format.h"
 #include "Output.h"
 #include "Pace.h"
 #include "Printable.h"
 #include "Reading.h"
+#include "ToolError.h"
 #include "files/Read.h"
 #include "files/Write.h"
 #include "record/Recording.h"

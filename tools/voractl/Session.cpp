@@ -4,9 +4,15 @@
 
 #include <cstdlib>
 
+#include "BoardLibraries.h"
 #include "Format.h"
 #include "Reading.h"
 #include "Simulation.h"
+#include "ToolError.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 
@@ -19,25 +25,16 @@ std::string Advice(uint32_t status) {
                " (the simulator says why above); --sim-reset starts it again from its profile";
     }
     if (status == VORADRV_STATUS_UNSUPPORTED && !voradrv::host::LoadedBoardLibrary()) {
-        return "no board library: the module looks for /usr/lib/libVORA-4.00.so, "
-               "/usr/lib64/libVORA-4.00.so, /usr/lib/libVORA-3.02.so and /usr/lib/libEApi.so "
-               "(and /usr/lib64/libVORA-4.00.so again in place of the last two), and none is "
-               "there; --sim runs against the simulated board";
+        const auto& [vora4, vora3, eapi] = voradrv::host::kBoardLibraries;
+        return std::string("no board library: the module looks for ") + vora4.probed[0] + ", " +
+               vora4.probed[1] + ", " + vora3.probed[0] + " and " + eapi.probed[0] + " (and " +
+               vora3.probed[1] + " again in place of the last two), and none is there; --sim "
+               "runs against the simulated board";
     }
     return "cannot initialise the module: " + StatusText(status);
 }
 
 }  // namespace
-
-const char* GenerationText(const std::string& generation) {
-    if (generation == "4") {
-        return "fourth generation";
-    }
-    if (generation == "3") {
-        return "third generation";
-    }
-    return "Embedded API";
-}
 
 Session::Session(const std::string& modulePath, bool quiet, bool raw)
     : module_(modulePath.empty() ? DefaultModulePath() : modulePath), output_(quiet), raw_(raw) {}

@@ -7,10 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "BoardLibraries.h"
 #include "Items.h"
 #include "Module.h"
 #include "ModuleOutput.h"
 #include "Truth.h"
+#include "json/JsonPtr.h"
 
 namespace voractl {
 
@@ -50,13 +52,10 @@ private:
     Module module_;
     ModuleOutput output_;
     bool raw_;
-    JsonPtr document_{nullptr, &json_decref};
+    vorajson::JsonPtr document_;
     std::vector<Item> items_;
     std::optional<voradrv::host::BoardLibrary> library_;
     Truth truth_{"", false};
 };
-
-// "fourth generation", "third generation" or "Embedded API".
-const char* GenerationText(const std::string& generation);
 
 }  // namespace voractl

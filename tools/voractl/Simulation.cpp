@@ -9,9 +9,9 @@
 #include <cstring>
 #include <functional>
 
-#include "Format.h"
+#include "BoardLibraries.h"
 #include "Module.h"
-#include "Session.h"
+#include "ToolError.h"
 #include "files/Directory.h"
 #include "files/Read.h"
 #include "record/Recording.h"
@@ -19,6 +19,10 @@
 namespace voractl {
 
 namespace {
+
+using voradrv::host::KnownLibrary;
+using voradrv::host::kBoardLibraries;
+using voradrv::host::LibraryOfGeneration;
 
 // Set in the re-executed process, so it does not re-execute again.
 constexpr const char* kMarker = "VORACTL_SIMULATED";
@@ -36,17 +40,14 @@ std::string SimulatorDirectory() {
                     build + ")");
 }
 
-const char* LibraryOf(const std::string& generation) {
-    if (generation == "4") {
-        return "libVORA-4.00";
+// The library of `generation`; "EApi", the library's own spelling, is
+// taken for "eapi".
+const KnownLibrary& LibraryOf(const std::string& generation) {
+    const KnownLibrary* library = LibraryOfGeneration(generation == "EApi" ? "eapi" : generation);
+    if (library == nullptr) {
+        throw ToolError("--sim-generation must be 4, 3 or eapi", true);
     }
-    if (generation == "3") {
-        return "libVORA-3.02";
-    }
-    if (generation == "eapi" || generation == "EApi") {
-        return "libEApi";
-    }
-    throw ToolError("--sim-generation must be 4, 3 or eapi", true);
+    return *library;
 }
 
 // Modification time of a file, or 0 when it cannot be read.
@@ -151,47 +152,74 @@ std::string RecordingGeneration(const std::string& path) {
     return recording.generation();
 }
 
+// The board to simulate: --sim=FILE's profile or recording, else
+// VORA_SIM_BOARD's; "" for the simulated library's own board. A file named
+// by --sim is followed to where it leads, for the process that runs on
+// after the exec, and a link another user planted in a shared directory is
+// refused here, as the reader would refuse it.
+std::string BoardFile(const SimulationRequest& request) {
+    if (request.profile.empty()) {
+        const char* board = std::getenv("VORA_SIM_BOARD");
+        return board != nullptr ? board : "";
+    }
+    std::string profile;
+    try {
+        const vorafiles::Place place = vorafiles::Resolve(request.profile);
+        profile = place.descriptor >= 0 ? request.profile : place.path;
+    } catch (const vorafiles::FileError& e) {
+        throw ToolError("cannot read the board profile " + request.profile + ": " + e.what());
+    }
+    setenv("VORA_SIM_BOARD", profile.c_str(), 1);
+    return profile;
+}
+
+// The library to simulate: a recording's own, else the one asked for (the
+// fourth generation when none is). A recording of another is refused, and
+// --timing without a recording.
+const KnownLibrary& Chosen(const SimulationRequest& request, const std::string& profile) {
+    const KnownLibrary* asked =
+        request.generation.empty() ? nullptr : &LibraryOf(request.generation);
+    const std::string recorded = profile.empty() ? "" : RecordingGeneration(profile);
+    if (recorded.empty()) {
+        if (request.timing) {
+            throw ToolError("--timing replays a recording at its recorded speed: give "
+                            "--sim=RECORDING",
+                            true);
+        }
+        return asked != nullptr ? *asked : kBoardLibraries[0];
+    }
+    const KnownLibrary& library = LibraryOf(recorded);
+    if (asked != nullptr && asked != &library) {
+        const std::string& named = request.profile.empty() ? profile : request.profile;
+        throw ToolError(named + " is a recording of the " + library.text + " library, not of the " +
+                            asked->text + " one",
+                        true);
+    }
+    return library;
+}
+
+// VORA_REDIRECT: every file the module may open reads as absent but the
+// chosen library's first, which is the simulated library in `dir`.
+std::string Redirection(const KnownLibrary& chosen, const std::string& dir) {
+    std::string redirect;
+    for (const KnownLibrary& library : kBoardLibraries) {
+        for (const char* path : library.paths) {
+            const bool mapped = &library == &chosen && path == library.paths[0];
+            redirect += (redirect.empty() ? "" : ":") + std::string(path) + "=" +
+                        (mapped ? dir + "/" + library.name + ".so" : "");
+        }
+    }
+    return redirect;
+}
+
 // The simulated library of the chosen generation in place of the real one,
 // its board the profile or recording asked for.
 void Simulate(SimulationRequest& request, const std::string& dir) {
-    std::string profile;
-    if (!request.profile.empty()) {
-        // Where it leads, for the process that runs on after the exec; a link
-        // another user planted in a shared directory is refused here, as the
-        // reader would refuse it.
-        try {
-            const vorafiles::Place place = vorafiles::Resolve(request.profile);
-            profile = place.descriptor >= 0 ? request.profile : place.path;
-        } catch (const vorafiles::FileError& e) {
-            throw ToolError("cannot read the board profile " + request.profile + ": " + e.what());
-        }
-        setenv("VORA_SIM_BOARD", profile.c_str(), 1);
-    } else if (const char* board = std::getenv("VORA_SIM_BOARD"); board != nullptr) {
-        profile = board;
-    }
-    const std::string recorded = profile.empty() ? "" : RecordingGeneration(profile);
-    if (!recorded.empty() && !request.generation.empty() && request.generation != recorded) {
-        throw ToolError(request.profile + " is a recording of the " + GenerationText(recorded) +
-                        " library, not of the " + GenerationText(request.generation) + " one", true);
-    }
-    if (request.timing && recorded.empty()) {
-        throw ToolError("--timing replays a recording at its recorded speed: give --sim=RECORDING", true);
-    }
-    request.generation = !recorded.empty() ? recorded
-                         : request.generation.empty() ? "4"
-                                                      : request.generation;
-    const std::string chosen = LibraryOf(request.generation);
-    // Every path the module probes reads as absent but the chosen library's.
-    std::string redirect;
-    for (const char* library : {"libVORA-4.00", "libVORA-3.02", "libEApi"}) {
-        for (const char* probe : {"/usr/lib/", "/usr/lib64/"}) {
-            const bool mapped = chosen == library && std::strcmp(probe, "/usr/lib/") == 0;
-            redirect += (redirect.empty() ? "" : ":") + std::string(probe) + library + ".so=" +
-                        (mapped ? dir + "/" + library + ".so" : "");
-        }
-    }
-    setenv("VORA_REDIRECT", redirect.c_str(), 1);
-    PrepareState(profile, dir + "/" + chosen + ".so", request.generation, request.reset);
+    const std::string profile = BoardFile(request);
+    const KnownLibrary& chosen = Chosen(request, profile);
+    request.generation = chosen.generation;
+    setenv("VORA_REDIRECT", Redirection(chosen, dir).c_str(), 1);
+    PrepareState(profile, dir + "/" + chosen.name + ".so", request.generation, request.reset);
 }
 
 }  // namespace

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "Format.h"
+#include "ToolError.h"
 
 namespace voractl {
 

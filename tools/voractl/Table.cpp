@@ -4,6 +4,10 @@
 
 #include "Format.h"
 #include "Printable.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

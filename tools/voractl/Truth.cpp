@@ -1,4 +1,8 @@
 #include "Truth.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 

@@ -10,17 +10,12 @@
 
 #include <jansson.h>
 
-#include <memory>
 #include <string>
 
 #include "Items.h"
+#include "json/JsonPtr.h"
 
 namespace voractl {
-
-using JsonPtr = std::unique_ptr<json_t, decltype(&json_decref)>;
-
-// Takes over the reference of `json`.
-inline JsonPtr Own(json_t* json) { return JsonPtr(json, &json_decref); }
 
 class Truth {
 public:
@@ -28,9 +23,9 @@ public:
     Truth(std::string generation, bool raw) : generation_(std::move(generation)), raw_(raw) {}
 
     // The true value of what the module read for `item` (a new value).
-    JsonPtr shown(const Item& item, const json_t* read) const;
+    vorajson::JsonPtr shown(const Item& item, const json_t* read) const;
     // The value the module must be sent for `item` to become `value`.
-    JsonPtr toModule(const Item& item, const json_t* value) const;
+    vorajson::JsonPtr toModule(const Item& item, const json_t* value) const;
     // True when the board's true value of what the module read for `item`
     // lies outside the element's published range, whatever --raw says.
     bool alarm(const Item& item, const json_t* read) const;

@@ -20,6 +20,11 @@
 #include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
+#include "ToolError.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 
@@ -74,9 +79,10 @@ bool Differs(const Reading& now, const Reading* before) {
     return !json_equal(now.value.get(), before->value.get());
 }
 
-class Sampler {
+// Takes the samples and shows them.
+class Watcher {
 public:
-    Sampler(Context& context, std::vector<Item> items)
+    Watcher(Context& context, std::vector<Item> items)
         : context_(context), items_(std::move(items)), labels_(Labels(items_)),
           interval_(context.options.interval), redraw_(!context.options.json && Terminal(context.out)) {}
 
@@ -218,7 +224,7 @@ int Watch(Context& context) {
     const double interval = context.options.interval;
     const long count = context.options.count;
     StopSignals signals;
-    Sampler sampler(context, Watched(context));
+    Watcher sampler(context, Watched(context));
     Pace pace(interval);
     for (long n = 0; (count == 0 || n < count) && !StopSignals::stopped(); ++n) {
         if ((n > 0 && !pace.wait()) || !sampler.sample()) {

@@ -1,15 +1,19 @@
-// voractl set: values checked against the capability document before any
-// reaches the module, then written one by one and read back.
+#include "Writing.h"
+
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
 
-#include "Commands.h"
 #include "Format.h"
 #include "Printable.h"
 #include "Reading.h"
+#include "ToolError.h"
+#include "json/JsonPtr.h"
+
+using vorajson::JsonPtr;
+using vorajson::Own;
 
 namespace voractl {
 
@@ -19,7 +23,7 @@ namespace {
 struct Planned {
     Item item;
     std::string text;                         // the value as given
-    JsonPtr value{nullptr, &json_decref};     // the true value to write
+    JsonPtr value;                            // the true value to write
     std::string refusal;                      // why it may not be written
 };
 

@@ -6,9 +6,10 @@
 
 #include "CommandTable.h"
 #include "Commands.h"
-#include "Format.h"
+#include "Options.h"
 #include "Session.h"
 #include "Simulation.h"
+#include "ToolError.h"
 
 using namespace voractl;
 
@@ -38,13 +39,7 @@ int main(int argc, char** argv) {
         }
         EnterSimulation(options.simulation, argv);
         return Run(options);
-    } catch (const ToolError& e) {
-        std::fflush(stdout);
-        std::fprintf(stderr, "voractl: %s\n", e.what());
-        return e.usage() ? 2 : 1;
-    } catch (const voradrv::host::LoadError& e) {
-        std::fflush(stdout);
-        std::fprintf(stderr, "voractl: %s\n", e.what());
-        return 1;
+    } catch (...) {
+        return ReportFailure(nullptr, std::current_exception());
     }
 }

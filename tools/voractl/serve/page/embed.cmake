@@ -1,0 +1,16 @@
+# cmake -DOUT=PageAssets.cpp -DDIR=page -P embed.cmake
+# Writes the board page's files into a C++ source as raw string literals.
+set(text "// Generated from tools/voractl/serve/page by embed.cmake: edit those files.\n#include \"PageAssets.h\"\n\nnamespace voractl {\n\nnamespace {\n\nconst PageAsset kAssets[] = {\n")
+foreach(entry "/|index.html|text/html\\; charset=utf-8" "/page.js|page.js|text/javascript\\; charset=utf-8" "/page.css|page.css|text/css\\; charset=utf-8" "/favicon.svg|favicon.svg|image/svg+xml")
+  string(REPLACE "|" ";" parts "${entry}")
+  list(GET parts 0 path)
+  list(GET parts 1 file)
+  list(GET parts 2 type)
+  file(READ ${DIR}/${file} content)
+  if(content MATCHES "\\)vorapage\"")
+    message(FATAL_ERROR "${file} holds the raw string's end")
+  endif()
+  string(APPEND text "    {\"${path}\", \"${type}\", R\"vorapage(${content})vorapage\"},\n")
+endforeach()
+string(APPEND text "};\n\n}  // namespace\n\nconst PageAsset* FindPageAsset(const std::string& path) {\n    for (const PageAsset& asset : kAssets) {\n        if (path == asset.path) {\n            return &asset;\n        }\n    }\n    return nullptr;\n}\n\n}  // namespace voractl\n")
+file(WRITE ${OUT} "${text}")
