@@ -107,6 +107,12 @@ const OptionSpec kDuration{"--duration", nullptr, Takes::Value, "SECONDS", Compl
     [](Options& o, const char* v) { o.duration = Seconds("--duration", v, 0.0, 7 * 86400.0); }};
 const OptionSpec kCount{"--count", nullptr, Takes::Value, "N", Completes::Nothing,
     [](Options& o, const char* v) { o.count = Count(v); }};
+const OptionSpec kTimeout{"--timeout", nullptr, Takes::Value, "S", Completes::Nothing,
+    [](Options& o, const char* v) { o.timeout = Seconds("--timeout", v, 0.001, 86400.0); }};
+const char kTimeoutHelp[] =
+    "give up on the board library after SECONDS: what is not read by then is "
+    "unreadable (exit status 1), and voractl leaves at once without "
+    "uninitialising the module, which is still in the library's call";
 const OptionSpec kFormat{"--format", nullptr, Takes::Value, "senml|prometheus", Completes::Words,
     [](Options& o, const char* v) { o.format = Format(v); }};
 const OptionSpec kOutput{"--output", nullptr, Takes::Value, "FILE", Completes::Files,
@@ -170,7 +176,8 @@ const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
             {"list", "every item with its current value",
              {{&kAll, "every item in a row of its own, GPIO pins too"},
               {&kJson, "a JSON array of records instead; an unreadable value is "
-                       "null, with an \"error\" member beside it"}},
+                       "null, with an \"error\" member beside it"},
+              {&kTimeout, kTimeoutHelp}},
              {"[GROUP...]"}, 0, SIZE_MAX, nullptr, Arguments::Groups,
              "Read every item (or those of the GROUPs) and show them grouped by block and "
              "group: id, name, current value with its unit, the published limits, and "
@@ -182,7 +189,8 @@ const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
              {{&kJson, "print JSON records as \"list --json\" does"},
               {&kType, "the JSON type to read with; needed for an id the capability "
                        "document does not publish"},
-              {&kForce, "read a number as text, or text as a number"}},
+              {&kForce, "read a number as text, or text as a number"},
+              {&kTimeout, kTimeoutHelp}},
              {"ITEM..."}, 1, SIZE_MAX, "get needs at least one ITEM", Arguments::Items,
              "Read items and print their values, one per line (with the item's path when "
              "there are several). A GROUP reads every item of it.",
@@ -205,7 +213,9 @@ const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
              {{&kJson, "one JSON document per line and sample: {\"time\", \"items\"}, "
                        "the items as \"list --json\" records with \"changed\""},
               {&kInterval, "seconds between samples (default 2; fractions allowed)"},
-              {&kCount, "stop after N samples (default: until interrupted)"}},
+              {&kCount, "stop after N samples (default: until interrupted)"},
+              {&kTimeout, "give up on a sample's reading after SECONDS: its items not "
+                          "read by then are N/A, and the watch ends there (exit status 1)"}},
              {"[ITEM|GROUP...]"}, 0, SIZE_MAX, nullptr, Arguments::Groups,
              "Read the items again and again: on a terminal the table is redrawn in place, "
              "otherwise each sample is one line with its time. A value that changed since "
@@ -223,7 +233,8 @@ const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
                          "written; a FIFO, character device or socket is written "
                          "to as it is, and /dev/stdout through voractl's own "
                          "standard output (so >> appends); \"-\" and no --output: "
-                         "standard output"}},
+                         "standard output"},
+              {&kTimeout, kTimeoutHelp}},
              {}, 0, 0, nullptr, Arguments::None,
              "Read every item and write the readable ones for a monitoring system.",
              "An item that cannot be read is left out and named on standard error, and "

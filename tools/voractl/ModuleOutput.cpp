@@ -30,7 +30,8 @@ ModuleOutput::~ModuleOutput() {
 }
 
 void ModuleOutput::begin() noexcept {
-    if (depth_++ > 0) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (abandoned_ || depth_++ > 0) {
         return;
     }
     std::fflush(stdout);
@@ -42,9 +43,22 @@ void ModuleOutput::begin() noexcept {
 }
 
 void ModuleOutput::end() noexcept {
-    if (--depth_ > 0 || original_ < 0) {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (abandoned_ || --depth_ > 0 || original_ < 0) {
         return;
     }
+    restore();
+}
+
+void ModuleOutput::abandon() noexcept {
+    std::lock_guard<std::mutex> lock(mutex_);
+    if (!abandoned_ && original_ >= 0) {
+        restore();
+    }
+    abandoned_ = true;
+}
+
+void ModuleOutput::restore() noexcept {
     std::fflush(stdout);
     dup2(original_, 1);
     close(original_);

@@ -8,6 +8,7 @@
 
 #include <sys/types.h>
 
+#include <mutex>
 #include <string>
 
 namespace voractl {
@@ -36,8 +37,15 @@ public:
         ModuleOutput& output_;
     };
 
+    // A call under way on another thread will not be waited for: what the
+    // module printed is passed on, descriptor 1 is voractl's standard
+    // output again, and nothing more is caught (a Catch that ends when the
+    // call at last returns does nothing).
+    void abandon() noexcept;
+
 private:
     void begin() noexcept;
+    void restore() noexcept;
     void end() noexcept;
     // Passes on the whole lines of `text`, keeping the last unfinished one.
     void pass(const std::string& text);
@@ -48,6 +56,8 @@ private:
     int buffer_ = -1;    // where descriptor 1 points while catching
     int original_ = -1;  // voractl's own standard output while catching, else -1
     int depth_ = 0;
+    bool abandoned_ = false;
+    std::mutex mutex_;  // a Catch ends on the thread that calls; abandon() on another
     off_t passed_ = 0;     // of the buffer, passed on already (it could not be emptied)
     std::string partial_;  // a last line without its line end yet
 };

@@ -85,7 +85,8 @@ bool Pace::wait() {
     next_ = Add(next_, interval_);
     timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
-    if (now.tv_sec > next_.tv_sec || (now.tv_sec == next_.tv_sec && now.tv_nsec > next_.tv_nsec)) {
+    overran_ = now.tv_sec > next_.tv_sec || (now.tv_sec == next_.tv_sec && now.tv_nsec > next_.tv_nsec);
+    if (overran_) {
         next_ = now;
     }
     StopSignals::sleepUntil(next_);

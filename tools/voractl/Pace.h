@@ -38,9 +38,12 @@ public:
     // Waits until the next reading is due; false when a stop signal came
     // first.
     bool wait();
+    // True when the last reading overran its interval, so the next is due at once.
+    bool overran() const { return overran_; }
 
 private:
     double interval_;
+    bool overran_ = false;
     timespec next_{};
 };
 

@@ -17,6 +17,10 @@ std::string ShownValue(const Reading& reading) {
                                   : DisplayValue(reading.value.get(), *reading.item));
 }
 
+std::string FailureText(const Reading& reading) {
+    return reading.unanswered ? "the board library did not answer in time" : StatusText(reading.status);
+}
+
 json_t* ReadingJson(const Reading& reading) {
     const Item& item = *reading.item;
     json_t* record = json_pack("{s:I, s:s, s:s, s:s, s:s, s:s, s:s}", "id",
@@ -31,7 +35,7 @@ json_t* ReadingJson(const Reading& reading) {
         json_object_set(record, "value", reading.value.get());
     } else {
         json_object_set_new(record, "value", json_null());
-        json_object_set_new(record, "error", json_string(StatusText(reading.status).c_str()));
+        json_object_set_new(record, "error", json_string(FailureText(reading).c_str()));
     }
     if (reading.raw) {
         json_object_set(record, "raw", reading.raw.get());
@@ -73,7 +77,7 @@ int ReportFailures(const std::vector<Reading>& readings) {
     for (const Reading& reading : readings) {
         if (!reading.value) {
             std::fprintf(stderr, "voractl: cannot read %s: %s\n", Printable(reading.item->path()).c_str(),
-                         StatusText(reading.status).c_str());
+                         FailureText(reading).c_str());
             exitStatus = 1;
         }
     }

@@ -21,7 +21,11 @@ struct Reading {
     uint32_t status = 0;                   // the module's answer
     bool bare = false;                     // shown as the module's number (--raw)
     bool alarm = false;                    // the true value lies outside the published range
+    bool unanswered = false;               // not read: no answer within --timeout
 };
+
+// Why a reading failed: the module's status, or that no answer came in time.
+std::string FailureText(const Reading& reading);
 
 // The value as people read it, or "N/A" when it could not be read; a bare
 // reading as the module's value alone, without unit or words.

@@ -2,7 +2,9 @@
 
 #include <unistd.h>
 
+#include <cstdio>
 #include <cstdlib>
+#include <mutex>
 
 #include "BoardLibraries.h"
 #include "Format.h"
@@ -32,6 +34,13 @@ std::string Advice(uint32_t status) {
                "runs against the simulated board";
     }
     return "cannot initialise the module: " + StatusText(status);
+}
+
+// "1.5 s".
+std::string Seconds(double seconds) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%g s", seconds);
+    return text;
 }
 
 }  // namespace
@@ -66,7 +75,17 @@ uint32_t Session::tryOpen() {
 }
 
 void Session::open() {
-    const uint32_t status = tryOpen();
+    uint32_t status = VORADRV_STATUS_ERROR;
+    if (timeout_ > 0) {
+        calls_ = std::make_unique<CallThread>();
+        if (!calls_->await([this, &status] { status = tryOpen(); }, After(timeout_))) {
+            abandon();
+            throw ToolError("the module's initialise did not answer in " + Seconds(timeout_) +
+                            " (--timeout); it is left in the board library's call");
+        }
+    } else {
+        status = tryOpen();
+    }
     if (status != VORADRV_STATUS_SUCCESS) {
         throw ToolError(opened() ? "cannot read the capability document: " + StatusText(status)
                                  : Advice(status));
@@ -74,7 +93,7 @@ void Session::open() {
 }
 
 void Session::close() {
-    if (module_.initialized()) {
+    if (module_.initialized() && !abandoned_) {
         ModuleOutput::Catch caught(output_);
         module_.uninitialize();
     }
@@ -102,6 +121,64 @@ Reading Session::read(const Item& item) {
 }
 
 std::vector<Reading> Session::readAll(const std::vector<Item>& items) {
+    return calls_ != nullptr ? readWithin(items) : readEach(items);
+}
+
+void Session::abandon() {
+    abandoned_ = true;
+    output_.abandon();
+}
+
+std::vector<Reading> Session::readWithin(const std::vector<Item>& items) {
+    // The thread reads a copy of the items, which the caller may drop while
+    // a call it gave up on is still under way; what it read is kept until
+    // the caller stops waiting, and nothing after that.
+    struct Progress {
+        std::mutex mutex;
+        std::vector<Item> items;
+        std::vector<Reading> readings;
+        bool late = false;
+    };
+    auto progress = std::make_shared<Progress>();
+    progress->items = items;
+    if (!abandoned_) {
+        calls_->await([this, progress] {
+            ModuleOutput::Catch caught(output_);
+            for (size_t i = 0;; ++i) {
+                const Item* item;
+                {
+                    std::lock_guard<std::mutex> lock(progress->mutex);
+                    if (progress->late || i == progress->items.size()) {
+                        return;
+                    }
+                    item = &progress->items[i];
+                }
+                Reading reading = read(*item);
+                std::lock_guard<std::mutex> lock(progress->mutex);
+                if (!progress->late) {
+                    progress->readings.push_back(std::move(reading));
+                }
+            }
+        }, After(timeout_));
+    }
+    std::lock_guard<std::mutex> lock(progress->mutex);
+    progress->late = true;
+    std::vector<Reading> readings = std::move(progress->readings);
+    if (readings.size() < items.size()) {
+        abandon();
+    }
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (i == readings.size()) {
+            readings.emplace_back();
+            readings.back().unanswered = true;
+            readings.back().bare = truth_.raw();
+        }
+        readings[i].item = &items[i];
+    }
+    return readings;
+}
+
+std::vector<Reading> Session::readEach(const std::vector<Item>& items) {
     ModuleOutput::Catch caught(output_);  // one catch for the lot
     std::vector<Reading> readings;
     readings.reserve(items.size());

@@ -3,11 +3,13 @@
 // bound, and every call into it made with what it prints caught.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "BoardLibraries.h"
+#include "CallThread.h"
 #include "Items.h"
 #include "Module.h"
 #include "ModuleOutput.h"
@@ -48,7 +50,21 @@ public:
     // Writes the JSON value `value` (the module's own sense) to `item`.
     uint32_t write(const Item& item, json_t* value);
 
+    // With a timeout (--timeout, seconds), open() and each readAll() call
+    // the module on a thread of their own and wait for it that long: the
+    // items not read by then are unreadable (`unanswered`), the module
+    // failed to come up, and the session is abandoned.
+    void setTimeout(double seconds) { timeout_ = seconds; }
+    // Gives up on a call under way on another thread, which cannot be
+    // interrupted: the module is left in it, never called again nor
+    // uninitialised, and the process must end with Leave().
+    void abandon();
+    bool abandoned() const { return abandoned_; }
+
 private:
+    std::vector<Reading> readEach(const std::vector<Item>& items);
+    std::vector<Reading> readWithin(const std::vector<Item>& items);
+
     Module module_;
     ModuleOutput output_;
     bool raw_;
@@ -56,6 +72,9 @@ private:
     std::vector<Item> items_;
     std::optional<voradrv::host::BoardLibrary> library_;
     Truth truth_{"", false};
+    double timeout_ = 0;  // seconds; 0: none
+    bool abandoned_ = false;
+    std::unique_ptr<CallThread> calls_;  // with a timeout
 };
 
 }  // namespace voractl

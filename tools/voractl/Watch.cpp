@@ -93,7 +93,7 @@ public:
             // Each unreadable item is named once, the first time.
             if (!reading.value && unreadable_.insert(reading.item->path()).second) {
                 std::fprintf(stderr, "voractl: cannot read %s: %s\n", Printable(reading.item->path()).c_str(),
-                             StatusText(reading.status).c_str());
+                             FailureText(reading).c_str());
             }
         }
         std::vector<bool> changed;
@@ -226,8 +226,19 @@ int Watch(Context& context) {
     StopSignals signals;
     Watcher sampler(context, Watched(context));
     Pace pace(interval);
+    bool late = false;
     for (long n = 0; (count == 0 || n < count) && !StopSignals::stopped(); ++n) {
         if ((n > 0 && !pace.wait()) || !sampler.sample()) {
+            break;
+        }
+        if (pace.overran() && !late) {
+            late = true;
+            std::fprintf(stderr, "voractl: reading the items took longer than --interval %g s: "
+                                 "samples come as fast as the board answers\n", interval);
+        }
+        if (context.session.abandoned()) {
+            std::fprintf(stderr, "voractl: the board library did not answer within --timeout %g s: "
+                                 "no further sample can be taken\n", context.options.timeout);
             break;
         }
     }

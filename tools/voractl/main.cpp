@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "CallThread.h"
 #include "CommandTable.h"
 #include "Commands.h"
 #include "Options.h"
@@ -15,16 +16,31 @@ using namespace voractl;
 
 namespace {
 
+// A command that stopped waiting for a call into the module (--timeout,
+// or serve stopping) ends here, before the session it left in that call
+// is taken down.
 int Run(const Options& options) {
     Session session(options.modulePath, options.quiet, options.raw);
-    if (options.command->opensModule) {
-        session.open();
+    session.setTimeout(options.timeout);
+    int exitStatus;
+    try {
+        if (options.command->opensModule) {
+            session.open();
+        }
+        Context context{session, options, stdout, Style(options.color, stdout)};
+        exitStatus = options.command->run(context);
+        // A reader that went away (a pager closed early) is no error of ours.
+        if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && errno != EPIPE) {
+            throw ToolError(std::string("cannot write the output: ") + std::strerror(errno));
+        }
+    } catch (...) {
+        if (!session.abandoned()) {
+            throw;
+        }
+        exitStatus = ReportFailure(nullptr, std::current_exception());
     }
-    Context context{session, options, stdout, Style(options.color, stdout)};
-    const int exitStatus = options.command->run(context);
-    // A reader that went away (a pager closed early) is no error of ours.
-    if ((std::fflush(stdout) != 0 || std::ferror(stdout)) && errno != EPIPE) {
-        throw ToolError(std::string("cannot write the output: ") + std::strerror(errno));
+    if (session.abandoned()) {
+        Leave(exitStatus);
     }
     return exitStatus;
 }

@@ -7,9 +7,8 @@
 
 #include "Format.h"
 #include "Prometheus.h"
-#include "Reading.h"
 #include "Session.h"
-#include "json/JsonPtr.h"
+#include "ToolError.h"
 
 using vorajson::JsonPtr;
 using vorajson::Own;
@@ -24,6 +23,8 @@ double Seconds() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
+double SecondsOf(Clock::duration duration) { return std::chrono::duration<double>(duration).count(); }
+
 std::string Fixed(double value, int decimals) {
     char text[64];
     std::snprintf(text, sizeof text, "%.*f", decimals, value);
@@ -37,39 +38,173 @@ std::string Gauge(const char* name, const char* help, const std::string& labels,
            labels + " " + value + "\n";
 }
 
+// How long ago the last complete reading ended (since the exporter started,
+// before the first).
+std::string AgeGauge(double seconds) {
+    return Gauge("voradrv_last_reading_age_seconds",
+                 "Seconds since the last complete reading of the board ended (0: this one).", "",
+                 Fixed(seconds, 3));
+}
+
+// A text the board cannot change while it runs: the platform information's
+// texts (its name, revisions, serial number, versions...), read once for
+// each time the module comes up. The customer strings (board strings from
+// position 16 on) are a site's to rewrite, so they are read every time, as
+// every number is.
+bool Unchanging(const Item& item) {
+    const uint32_t kFirstCustomerString = 0x1010411;
+    const uint32_t kLastBoardString = 0x10104FF;
+    return item.in(Block::Platform) && item.type == JSON_STRING &&
+           !(item.id >= kFirstCustomerString && item.id <= kLastBoardString);
+}
+
+// A reading with the value kept of an earlier one.
+Reading Kept(const Item& item, const JsonPtr& value, bool bare) {
+    Reading reading;
+    reading.item = &item;
+    reading.value = Own(json_incref(value.get()));
+    reading.bare = bare;
+    return reading;
+}
+
+// A scrape with the reading under way for longer than this is logged.
+constexpr double kLogAfterSeconds = 10;
+
 }  // namespace
 
-std::string Exporter::read() {
-    const double start = Seconds();
-    std::string text;
-    bool up = false;
-    std::string failure;
+Exporter::Exporter(Session& session) : session_(session), expiry_([this] { expire(); }) {}
+
+Exporter::~Exporter() {
+    stop(Clock::now());
     {
-        std::lock_guard<std::mutex> lock(module_);
-        std::vector<Reading> readings;  // none while the module is not up
+        std::lock_guard<std::mutex> lock(shared_);
+        stopBy_ = Clock::time_point::min();  // the expiry thread's cue to end
+        changed_.notify_all();
+    }
+    expiry_.join();
+}
+
+std::vector<Reading> Exporter::readItems() {
+    const std::vector<Item>& items = session_.items();
+    kept_.resize(items.size());
+    std::vector<Reading> readings;
+    readings.reserve(items.size());
+    std::vector<Item> fresh;
+    std::vector<size_t> at;  // of each fresh item among all
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (kept_[i] == nullptr) {
+            fresh.push_back(items[i]);
+            at.push_back(i);
+        }
+    }
+    std::vector<Reading> read = session_.readAll(fresh);
+    size_t next = 0;
+    for (size_t i = 0; i < items.size(); ++i) {
+        if (next < at.size() && at[next] == i) {
+            Reading& reading = read[next++];
+            reading.item = &items[i];
+            if (reading.value != nullptr && Unchanging(items[i])) {
+                kept_[i] = Own(json_incref(reading.value.get()));
+            }
+            readings.push_back(std::move(reading));
+        } else {
+            readings.push_back(Kept(items[i], kept_[i], session_.truth().raw()));
+        }
+    }
+    return readings;
+}
+
+std::string Exporter::ownMetrics(bool up, double took) {
+    std::string failure;
+    if (failedAt_ > 0) {
+        failure = Gauge("voradrv_last_initialize_error_timestamp_seconds",
+                        "When initialising the module last failed, and the status it gave.",
+                        "{error=\"" + StatusText(failure_) + "\"}", Fixed(failedAt_, 3));
+    }
+    return failure +
+           Gauge("voradrv_up", "1 when the module is up and its board library answered every item.",
+                 "", up ? "1" : "0") +
+           Gauge("voradrv_scrape_duration_seconds", "Time this scrape took to read the board.", "",
+                 Fixed(took, 6));
+}
+
+void Exporter::read() {
+    const double start = Seconds();
+    std::shared_ptr<const Exposition> result;
+    std::exception_ptr error;
+    std::vector<Reading> readings;  // none while the module is not up
+    try {
+        bool up = false;
         if (session_.opened()) {
-            readings = session_.readAll(session_.items());
-            // Up: the board library answered every item of this scrape. A
+            readings = readItems();
+            // Up: the board library answered every item of this reading. A
             // library that starts failing is down, with the items it still
             // answers published and the others counted as unreadable.
             up = std::all_of(readings.begin(), readings.end(),
                              [](const Reading& reading) { return reading.value != nullptr; });
         }
-        text = PrometheusText(readings);
-        if (failedAt_ > 0) {
-            failure = Gauge("voradrv_last_initialize_error_timestamp_seconds",
-                            "When initialising the module last failed, and the status it gave.",
-                            "{error=\"" + StatusText(failure_) + "\"}", Fixed(failedAt_, 3));
+        std::string own;
+        {
+            std::lock_guard<std::mutex> lock(shared_);
+            own = ownMetrics(up, Seconds() - start);
+        }
+        result = std::make_shared<const Exposition>(
+            PrometheusText(readings) + AgeGauge(0) + own);
+    } catch (...) {
+        error = std::current_exception();
+    }
+    // The page's records, when its sampler asked before this reading ended;
+    // one that asks later has the next reading.
+    bool wanted;
+    {
+        std::lock_guard<std::mutex> lock(shared_);
+        wanted = wantRecords_;
+        wantRecords_ = false;
+    }
+    JsonPtr records;
+    if (wanted) {
+        try {
+            records = Own(ShownRecordsJson(readings));
+        } catch (...) {
+            ReportFailure("cannot sample the board", std::current_exception());
         }
     }
-    return text + failure +
-           Gauge("voradrv_up", "1 when the module is up and its board library answered every item.",
-                 "", up ? "1" : "0") +
-           Gauge("voradrv_scrape_duration_seconds", "Time this scrape took to read the board.", "",
-                 Fixed(Seconds() - start, 6));
+    std::vector<Waiting> waiting;
+    {
+        std::lock_guard<std::mutex> lock(shared_);
+        if (result != nullptr) {
+            latest_ = result;
+        }
+        finished_ = Clock::now();
+        reading_ = false;
+        ++readings_;
+        if (records != nullptr) {
+            records_ = std::move(records);
+            recordsOf_ = readings_;
+        }
+        waiting.swap(waiting_);
+        changed_.notify_all();
+    }
+    const double took = Seconds() - start;
+    if (took >= kLogAfterSeconds) {
+        std::fprintf(stderr, "voractl: the board answered a reading after %.1f s\n", took);
+    }
+    for (const Waiting& shared : waiting) {
+        try {
+            shared.done(result, error);
+        } catch (...) {
+            // Each answers for itself; the others are still answered.
+        }
+    }
 }
 
-void Exporter::scrape(std::chrono::steady_clock::time_point arrived, Scraped done) {
+void Exporter::startReading() {
+    reading_ = true;
+    since_ = Clock::now();
+    calls_.post([this] { read(); });
+}
+
+void Exporter::scrape(Clock::time_point arrived, Clock::time_point deadline, Scraped done) {
     std::unique_lock<std::mutex> lock(shared_);
     // A reading that ended after the scrape arrived was under way then (or
     // began since): it is as fresh as the scrape asks.
@@ -79,85 +214,162 @@ void Exporter::scrape(std::chrono::steady_clock::time_point arrived, Scraped don
         done(latest, nullptr);
         return;
     }
-    if (reading_) {
-        waiting_.push_back(std::move(done));
-        return;
+    waiting_.push_back({arrived, std::min(deadline, stopBy_), std::move(done)});
+    if (!reading_ && !stopping_) {
+        startReading();
     }
-    reading_ = true;
-    lock.unlock();
-    std::shared_ptr<const Exposition> result;
-    std::exception_ptr error;
-    try {
-        result = std::make_shared<const Exposition>(read());
-    } catch (...) {
-        error = std::current_exception();
-    }
-    lock.lock();
-    if (result != nullptr) {
-        latest_ = result;
-        finished_ = std::chrono::steady_clock::now();
-    }
-    reading_ = false;
-    std::vector<Scraped> waiting;
-    waiting.swap(waiting_);
-    lock.unlock();
-    for (const Scraped& shared : waiting) {
-        try {
-            shared(result, error);
-        } catch (...) {
-            // Each answers for itself; the others are still answered.
-        }
-    }
-    done(result, error);
+    changed_.notify_all();
 }
 
-uint32_t Exporter::tryOpen() {
-    std::lock_guard<std::mutex> lock(module_);
-    if (session_.opened()) {
-        return 0;
+// Answers the scrapes whose deadline came before a reading did, with the
+// exporter's own metrics and how old the last complete reading is; logs a
+// reading that takes long, once. Ends when the exporter is destroyed.
+void Exporter::expire() {
+    std::unique_lock<std::mutex> lock(shared_);
+    bool logged = false;
+    while (stopBy_ != Clock::time_point::min()) {
+        const Clock::time_point now = Clock::now();
+        std::vector<Waiting> due;
+        Clock::time_point next = Clock::time_point::max();
+        for (auto it = waiting_.begin(); it != waiting_.end();) {
+            if (it->deadline <= now) {
+                due.push_back(std::move(*it));
+                it = waiting_.erase(it);
+            } else {
+                next = std::min(next, it->deadline);
+                ++it;
+            }
+        }
+        const double underWay = reading_ ? SecondsOf(now - since_) : 0;
+        logged = logged && reading_;
+        if (underWay >= kLogAfterSeconds && !logged) {
+            logged = true;
+            std::fprintf(stderr, "voractl: the board has not answered a reading for %.0f s; scrapes "
+                                 "are answered with voradrv_up 0 until it does\n", underWay);
+        } else if (reading_ && !logged) {
+            next = std::min(next, since_ + std::chrono::seconds(static_cast<int>(kLogAfterSeconds)));
+        }
+        if (!due.empty()) {
+            std::vector<std::string> own;
+            for (const Waiting& late : due) {
+                own.push_back(ownMetrics(false, SecondsOf(now - late.arrived)));
+            }
+            lock.unlock();
+            const std::string age = AgeGauge(SecondsOf(now - (readings_ > 0 ? finished_ : started_)));
+            for (size_t i = 0; i < due.size(); ++i) {
+                try {
+                    due[i].done(std::make_shared<const Exposition>(PrometheusText({}) + age + own[i]),
+                                nullptr);
+                } catch (...) {
+                    // Each answers for itself.
+                }
+            }
+            lock.lock();
+            continue;
+        }
+        changed_.wait_until(lock, next);
     }
-    const uint32_t status = session_.tryOpen();
-    if (status != 0) {
-        failedAt_ = UnixTime();
-        failure_ = status;
+}
+
+JsonPtr Exporter::records(Clock::time_point deadline) {
+    std::unique_lock<std::mutex> lock(shared_);
+    const unsigned long long asked = readings_;
+    wantRecords_ = true;
+    for (;;) {
+        if (recordsOf_ > asked && records_ != nullptr) {
+            return Own(json_incref(records_.get()));
+        }
+        if (stopping_ || Clock::now() >= std::min(deadline, stopBy_)) {
+            return nullptr;
+        }
+        if (!reading_) {
+            wantRecords_ = true;
+            startReading();
+        }
+        changed_.wait_until(lock, std::min(deadline, stopBy_));
     }
-    return status;
+}
+
+double Exporter::readingFor() {
+    std::lock_guard<std::mutex> lock(shared_);
+    return reading_ ? SecondsOf(Clock::now() - since_) : 0;
+}
+
+std::optional<uint32_t> Exporter::open(Clock::time_point deadline) {
+    std::shared_ptr<uint32_t> status;
+    {
+        std::lock_guard<std::mutex> lock(shared_);
+        if (opened_) {
+            return 0;
+        }
+        if (opening_ || stopping_) {
+            return std::nullopt;
+        }
+        opening_ = true;
+        status = std::make_shared<uint32_t>(VORADRV_STATUS_ERROR);
+    }
+    const bool answered = calls_.await([this, status] {
+        const uint32_t got = session_.tryOpen();
+        std::string document = "null";
+        std::string library = "null";
+        if (got == 0) {
+            document = JsonText(session_.document());
+            if (const auto& bound = session_.library()) {
+                JsonPtr json = Own(json_pack(
+                    "{s:s, s:s, s:s}", "name", bound->name.c_str(), "generation",
+                    voradrv::host::GenerationText(bound->generation).c_str(), "path", bound->path.c_str()));
+                library = JsonText(json.get());
+            }
+        }
+        std::lock_guard<std::mutex> lock(shared_);
+        opening_ = false;
+        opened_ = got == 0;
+        document_ = std::move(document);
+        library_ = std::move(library);
+        kept_.clear();
+        if (got != 0) {
+            failedAt_ = UnixTime();
+            failure_ = got;
+        }
+        *status = got;
+    }, deadline);
+    if (!answered) {
+        return std::nullopt;
+    }
+    return *status;
 }
 
 bool Exporter::opened() {
-    std::lock_guard<std::mutex> lock(module_);
-    return session_.opened();
+    std::lock_guard<std::mutex> lock(shared_);
+    return opened_;
 }
 
-void Exporter::close() {
-    std::lock_guard<std::mutex> lock(module_);
-    session_.close();
-}
-
-JsonPtr Exporter::records() {
-    std::lock_guard<std::mutex> lock(module_);
-    if (!session_.opened()) {
-        return Own(json_array());
+void Exporter::stop(Clock::time_point by) {
+    std::lock_guard<std::mutex> lock(shared_);
+    stopping_ = true;
+    stopBy_ = std::min(stopBy_, by);
+    for (Waiting& waiting : waiting_) {
+        waiting.deadline = std::min(waiting.deadline, by);
     }
-    // The page shows values, limits and units in voractl's words, from here.
-    return Own(ShownRecordsJson(session_.readAll(session_.items())));
+    changed_.notify_all();
+}
+
+bool Exporter::close(Clock::time_point deadline) {
+    return calls_.await([this] {
+        session_.close();
+        std::lock_guard<std::mutex> lock(shared_);
+        opened_ = false;
+    }, deadline);
 }
 
 std::string Exporter::document() {
-    std::lock_guard<std::mutex> lock(module_);
-    return session_.opened() ? JsonText(session_.document()) : "null";
+    std::lock_guard<std::mutex> lock(shared_);
+    return document_;
 }
 
 std::string Exporter::library() {
-    std::lock_guard<std::mutex> lock(module_);
-    const auto& library = session_.library();
-    if (!library) {
-        return "null";
-    }
-    JsonPtr json = Own(json_pack("{s:s, s:s, s:s}", "name", library->name.c_str(), "generation",
-                                 voradrv::host::GenerationText(library->generation).c_str(), "path",
-                                 library->path.c_str()));
-    return JsonText(json.get());
+    std::lock_guard<std::mutex> lock(shared_);
+    return library_;
 }
 
 }  // namespace voractl

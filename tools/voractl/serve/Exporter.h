@@ -1,17 +1,25 @@
-// The exporter's scrapes: every readable item in the Prometheus text format,
-// read from the module on demand, one reading at a time.
+// The exporter's readings of the board: every readable item in the
+// Prometheus text format, for the scrapes and the board page's samples.
+// Every call into the module is made on one thread of its own, one at a
+// time, so that no scrape waits on a board library that is slow or does not
+// answer for longer than its scraper waits.
 #pragma once
 
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
 #include <exception>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include "CallThread.h"
 #include "Exposition.h"
+#include "Reading.h"
 #include "json/JsonPtr.h"
 
 namespace voractl {
@@ -20,52 +28,92 @@ class Session;
 
 class Exporter {
 public:
-    explicit Exporter(Session& session) : session_(session) {}
+    // Starts the thread that answers the scrapes no reading answers in time.
+    explicit Exporter(Session& session);
+    // Answers the scrapes still waiting and ends that thread.
+    ~Exporter();
+    Exporter(const Exporter&) = delete;
+    Exporter& operator=(const Exporter&) = delete;
 
-    // The metrics of a fresh reading of the board, or why it failed.
+    // The metrics of a reading, or why it failed.
     using Scraped = std::function<void(std::shared_ptr<const Exposition>, std::exception_ptr)>;
 
-    // Calls `done` with the metrics of a fresh reading for a scrape that
-    // arrived at `arrived`. Only one thread reads the module at a time: a
-    // scrape that arrives while a reading is under way shares it, and its
-    // `done` is called by the reading thread when the reading is over (no
-    // thread waits); one that comes when no reading is under way reads on
-    // the caller's thread. A burst of scrapes costs the board one reading,
-    // and each form of it is built once.
-    void scrape(std::chrono::steady_clock::time_point arrived, Scraped done);
+    // Calls `done` with the metrics of a reading that ended after the scrape
+    // arrived at `arrived`: the one under way, else a new one. There is never
+    // more than one reading at a time: a burst of scrapes (and the page's
+    // sampler) costs the board one. When none has ended by `deadline`,
+    // `done` gets the exporter's own metrics instead: voradrv_up 0 and how
+    // long ago the last complete reading ended. No thread waits meanwhile.
+    void scrape(Clock::time_point arrived, Clock::time_point deadline, Scraped done);
 
-    // Initialises the module when it is not up; its status (0: up). Called
-    // by the retry loop; waits for a reading under way.
-    uint32_t tryOpen();
+    // Every item's record of a reading that ended after this call, as the
+    // board page shows it (ShownRecordsJson), an empty array while the
+    // module is not up; waits for it, and answers null when the exporter
+    // stops first or when `deadline` comes.
+    vorajson::JsonPtr records(Clock::time_point deadline);
+    // How long the reading under way has taken; zero when none is.
+    double readingFor();
+
+    // Initialises the module when it is not up and no call into it is under
+    // way; its status (0: up) when initialise answers by `deadline`.
+    std::optional<uint32_t> open(Clock::time_point deadline);
     bool opened();
-    // Uninitialises the module once no reading is under way.
-    void close();
+    // Stopping: every scrape and records() still waiting is answered by
+    // `by` at the latest (with a reading, or without), and so are those
+    // that come later.
+    void stop(Clock::time_point by);
+    // Uninitialises the module; false when it is still in a call at
+    // `deadline` (it is then left in it).
+    bool close(Clock::time_point deadline);
 
-    // For the board page, each under the same lock as the scrapes: every
-    // item's record as "voractl list --json" gives it, with what the page
-    // needs to show it as voractl does (ShownRecordsJson in Reading.h), an
-    // empty array while the module is not up; the capability document as
-    // the module built it (null while it is not up); the board library the
-    // module bound, {"name", "generation", "path"} (null: none).
-    vorajson::JsonPtr records();
+    // For the board page: the capability document as the module built it
+    // (null while it is not up); the board library the module bound,
+    // {"name", "generation", "path"} (null: none).
     std::string document();
     std::string library();
 
 private:
-    std::string read();
+    struct Waiting {
+        Clock::time_point arrived;
+        Clock::time_point deadline;
+        Scraped done;
+    };
+
+    void read();  // on the module's thread
+    void startReading();  // under shared_
+    std::vector<Reading> readItems();
+    std::string ownMetrics(bool up, double took);
+    void expire();  // the thread that answers scrapes at their deadline
 
     Session& session_;
-    std::mutex module_;  // held by whoever calls into the module
+    CallThread calls_;
 
     std::mutex shared_;  // guards what follows
+    std::condition_variable changed_;  // a reading ended, a deadline came nearer, or stopping
     bool reading_ = false;
-    std::vector<Scraped> waiting_;  // for the reading under way
+    bool opening_ = false;
+    bool opened_ = false;
+    bool wantRecords_ = false;  // of the reading under way
+    bool stopping_ = false;
+    Clock::time_point stopBy_ = Clock::time_point::max();
+    Clock::time_point since_{};  // when the reading under way began
+    std::vector<Waiting> waiting_;  // for the reading under way
     std::shared_ptr<const Exposition> latest_;
-    std::chrono::steady_clock::time_point finished_;  // when latest_ was read
+    Clock::time_point finished_{};  // when latest_ was read
+    unsigned long long readings_ = 0;  // readings ended
+    vorajson::JsonPtr records_;        // of the last reading that built them
+    unsigned long long recordsOf_ = 0;  // which one that was
+    std::string document_ = "null";
+    std::string library_ = "null";
+    const Clock::time_point started_ = Clock::now();
 
-    // The last time initialise failed, and its status (under module_).
+    // Only on the module's thread: the last time initialise failed and its
+    // status, and the texts the board cannot change while it runs, once read.
     double failedAt_ = 0;
     uint32_t failure_ = 0;
+    std::vector<vorajson::JsonPtr> kept_;
+
+    std::thread expiry_;
 };
 
 }  // namespace voractl

@@ -1,6 +1,8 @@
 #include "Request.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <cstdlib>
 #include <optional>
 
@@ -80,6 +82,22 @@ bool AcceptsGzip(const char* acceptEncoding) {
         }
     }
     return named ? *named > 0.0 : any.value_or(0.0) > 0.0;
+}
+
+double ScrapeBudget(const char* timeoutHeader) {
+    constexpr double kDefault = 10;
+    constexpr double kMost = 120;
+    constexpr double kMargin = 0.5;
+    double timeout = kDefault;
+    if (timeoutHeader != nullptr) {
+        char* end = nullptr;
+        errno = 0;
+        const double given = std::strtod(timeoutHeader, &end);
+        if (end != timeoutHeader && *end == '\0' && errno == 0 && given > 0 && std::isfinite(given)) {
+            timeout = std::min(given, kMost);
+        }
+    }
+    return std::max(timeout - kMargin, timeout / 2);
 }
 
 }  // namespace voractl

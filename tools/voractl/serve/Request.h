@@ -20,6 +20,13 @@ struct Choice {
 // The header's choices in the order listed; none for a missing header.
 std::vector<Choice> Choices(const char* header);
 
+// How long a scrape may wait for the board, in seconds, from Prometheus's
+// X-Prometheus-Scrape-Timeout-Seconds: the timeout less half a second (a
+// margin for the answer to travel), and never less than half of it; 10 s
+// (Prometheus's default timeout) when the header is missing or is no
+// positive number; 120 s at most.
+double ScrapeBudget(const char* timeoutHeader);
+
 // True when Accept-Encoding lets the answer be gzipped: "gzip" (or its
 // alias "x-gzip") or else "*" with a q-value above 0.
 bool AcceptsGzip(const char* acceptEncoding);

@@ -2,6 +2,7 @@
 
 #include <jansson.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -52,8 +53,9 @@ Taken Take(const json_t* records) {
 
 }  // namespace
 
-Sampler::Sampler(Read read, double interval, size_t keep, double idleAfter)
+Sampler::Sampler(Read read, double interval, size_t keep, double idleAfter, Busy busy)
     : read_(std::move(read)),
+      busy_(std::move(busy)),
       interval_(interval),
       keep_(keep),
       started_(UnixTime()),
@@ -73,6 +75,9 @@ Sampler::~Sampler() {
 void Sampler::take() noexcept {
     try {
         const JsonPtr records = read_();
+        if (records == nullptr) {
+            return;
+        }
         std::string items = JsonText(records.get());
         Taken taken = Take(records.get());
         Sample sample{0, UnixTime(), std::move(taken.values)};
@@ -127,7 +132,10 @@ std::string Sampler::items() {
     touch();
     if (wasIdle) {
         const uint64_t seen = seq_;
-        taken_.wait_for(lock, std::chrono::seconds(10), [&] { return seq_ != seen || stopping_; });
+        // Not for longer than an interval (a second at least): a board that
+        // does not answer must not hold the thread that asks.
+        const std::chrono::duration<double> most(std::min(std::max(interval_, 1.0), 10.0));
+        taken_.wait_for(lock, most, [&] { return seq_ != seen || stopping_; });
     }
     return items_;
 }
@@ -139,6 +147,12 @@ std::string Sampler::samples(uint64_t since) {
     std::snprintf(head, sizeof head, "{\"interval\":%g,\"started\":%.3f,\"last\":%llu,\"samples\":[",
                   interval_, started_, static_cast<unsigned long long>(seq_));
     std::string out = head;
+    const double waiting = busy_ != nullptr ? busy_() : 0;
+    if (waiting > interval_) {
+        char late[48];
+        std::snprintf(late, sizeof late, "\"waiting\":%.3f,", waiting);
+        out.insert(1, late);
+    }
     bool first = true;
     for (const Sample& sample : ring_) {
         if (sample.seq <= since) {

@@ -21,13 +21,17 @@ namespace voractl {
 class Sampler {
 public:
     // Every item's record as "voractl list --json" gives it; throws when
-    // the board cannot be read.
+    // the board cannot be read, null when there is no reading to be had.
     using Read = std::function<vorajson::JsonPtr()>;
+    // How long the board's reading under way has taken, in seconds.
+    using Busy = std::function<double()>;
 
     // Reads the board with `read` every `interval` seconds while pages ask,
     // keeping the last `keep` samples (300 at 2 s: the last ten minutes),
-    // and stops reading `idleAfter` seconds after the last request.
-    Sampler(Read read, double interval, size_t keep, double idleAfter);
+    // and stops reading `idleAfter` seconds after the last request. A
+    // reading that takes longer than the interval delays the next sample
+    // (none is taken meanwhile); `busy` says for how long.
+    Sampler(Read read, double interval, size_t keep, double idleAfter, Busy busy = nullptr);
     // Stops the thread.
     ~Sampler();
     Sampler(const Sampler&) = delete;
@@ -41,7 +45,9 @@ public:
     // of them); with any, the newest one's "texts" {"<id>": the value as
     // voractl shows it} and "alarms" [ids of values outside their range].
     // "started" (when this exporter started, in seconds since 1970) tells a
-    // page that the exporter was restarted, and its numbering with it.
+    // page that the exporter was restarted, and its numbering with it;
+    // "waiting" (seconds) that the board's reading under way has taken
+    // longer than the interval, so the next sample is late.
     std::string samples(uint64_t since);
 
 private:
@@ -57,6 +63,7 @@ private:
     void touch();
 
     const Read read_;
+    const Busy busy_;
     const double interval_;
     const size_t keep_;
     const double started_;  // seconds since 1970

@@ -7,7 +7,9 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
+#include "CallThread.h"
 #include "Exporter.h"
 #include "Format.h"
 #include "Http.h"
@@ -79,7 +81,8 @@ sigset_t TakeSignals() {
 
 // Serves until SIGTERM or SIGINT, rereading the web configuration at
 // SIGHUP. A module that did not come up is tried again after 1, 2, 4, ...
-// seconds, a minute at most between tries.
+// seconds, a minute at most between tries; an initialise that does not
+// answer is waited for a second at a time, so a signal is taken within one.
 void ServeUntilStopped(const sigset_t& signals, Exporter& exporter, HttpServer& server,
                        const std::string& webConfig) {
     long delay = 1;
@@ -96,7 +99,8 @@ void ServeUntilStopped(const sigset_t& signals, Exporter& exporter, HttpServer& 
             throw ToolError(std::string("cannot wait for signals: ") + std::strerror(errno));
         }
         if (!exporter.opened()) {
-            if (exporter.tryOpen() == 0) {
+            const std::optional<uint32_t> status = exporter.open(After(1));
+            if (status && *status == 0) {
                 std::fprintf(stderr, "voractl: the module came up\n");
                 delay = 1;
             } else {
@@ -105,6 +109,16 @@ void ServeUntilStopped(const sigset_t& signals, Exporter& exporter, HttpServer& 
         }
     }
 }
+
+// Comes up: initialise is waited for this long before serving begins (and
+// goes on meanwhile when it takes longer).
+constexpr double kStartSeconds = 5;
+// At SIGTERM or SIGINT, the scrapes waiting for a reading are answered
+// within kAnswerSeconds, and the exporter ends within kStopSeconds: a call
+// into the board library that has not returned by then never is waited
+// for, and the module is not uninitialised.
+constexpr double kAnswerSeconds = 2;
+constexpr double kStopSeconds = 5;
 
 }  // namespace
 
@@ -116,16 +130,22 @@ int Serve(Context& context) {
         options.webConfig.empty() ? WebConfig{} : LoadWebConfig(options.webConfig);
     const sigset_t signals = TakeSignals();
     Exporter exporter(context.session);
-    if (const uint32_t status = exporter.tryOpen(); status != 0) {
+    const std::optional<uint32_t> status = exporter.open(After(kStartSeconds));
+    if (!status) {
+        std::fprintf(stderr, "voractl: the module's initialise has not answered in %g s; serving "
+                             "voradrv_up 0 until it does\n", kStartSeconds);
+    } else if (*status != 0) {
         std::fprintf(stderr, "voractl: the module did not come up (%s); serving voradrv_up 0 and "
-                             "trying again\n", StatusText(status).c_str());
+                             "trying again\n", StatusText(*status).c_str());
     }
+    Clock::time_point end;
     {
         // The page's samples: every --interval seconds (2 by default) while
         // pages ask, the last 300 kept; a minute (or ten intervals) after the
-        // last request, no more readings.
-        Sampler sampler([&exporter] { return exporter.records(); }, options.interval, 300,
-                        std::max(60.0, 10 * options.interval));
+        // last request, no more readings. They share the scrapes' readings.
+        Sampler sampler([&exporter] { return exporter.records(Clock::time_point::max()); },
+                        options.interval, 300, std::max(60.0, 10 * options.interval),
+                        [&exporter] { return exporter.readingFor(); });
         HttpServer server(listen, Limits(), web, ExporterSite(exporter, sampler));
         const std::string url = std::string(web.tls() ? "https" : "http") + "://" +
                                 AddressText(listen, server.port());
@@ -134,8 +154,15 @@ int Serve(Context& context) {
         std::fprintf(stderr, "voractl: the board page is %s/\n", url.c_str());
         ServeUntilStopped(signals, exporter, server, options.webConfig);
         std::fprintf(stderr, "voractl: stopping\n");
+        end = After(kStopSeconds);
+        exporter.stop(std::min(end, After(kAnswerSeconds)));
     }  // every connection closed, its thread ended; the sampler stopped
-    exporter.close();
+    if (!exporter.close(end)) {
+        std::fprintf(stderr, "voractl: the board library has not returned from a call, which "
+                             "cannot be interrupted: leaving without uninitialising the module\n");
+        context.session.abandon();
+        Leave(1);
+    }
     return 0;
 }
 

@@ -24,11 +24,14 @@ HttpReply BoardFailure(const std::exception_ptr& error) {
 
 // /metrics: a fresh reading of the board, shared with every scrape that
 // arrives while it is read, in the format and encoding the scraper asks
-// for.
+// for; or, when none has ended within the scrape's timeout, voradrv_up 0.
 void Metrics(Exporter& exporter, const HttpRequest& request, const HttpServer::Reply& reply) {
     const MetricsFormat format = PreferredFormat(request.header("Accept"));
     const bool gzip = AcceptsGzip(request.header("Accept-Encoding"));
-    exporter.scrape(request.arrived, [reply, format, gzip](
+    const double budget = ScrapeBudget(request.header("X-Prometheus-Scrape-Timeout-Seconds"));
+    const auto deadline = request.arrived + std::chrono::duration_cast<Clock::duration>(
+                                                std::chrono::duration<double>(budget));
+    exporter.scrape(request.arrived, deadline, [reply, format, gzip](
                                          std::shared_ptr<const Exposition> reading,
                                          const std::exception_ptr& error) {
         reply(error != nullptr ? BoardFailure(error) : reading->answer(format, gzip));
