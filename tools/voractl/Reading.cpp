@@ -1,6 +1,8 @@
 #include "Reading.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "Format.h"
 #include "Printable.h"
@@ -72,16 +74,28 @@ void PrintJson(std::FILE* out, const json_t* json) {
     std::fputc('\n', out);
 }
 
-int ReportFailures(const std::vector<Reading>& readings) {
-    int exitStatus = 0;
+int ReportFailures(const std::vector<Reading>& readings, std::set<std::string>* said) {
+    std::vector<const Reading*> failed;
     for (const Reading& reading : readings) {
-        if (!reading.value) {
-            std::fprintf(stderr, "voractl: cannot read %s: %s\n", Printable(reading.item->path()).c_str(),
-                         FailureText(reading).c_str());
-            exitStatus = 1;
+        if (!reading.value && (said == nullptr || said->insert(reading.item->path()).second)) {
+            failed.push_back(&reading);
         }
     }
-    return exitStatus;
+    const auto unanswered = std::count_if(failed.begin(), failed.end(),
+                                          [](const Reading* reading) { return reading->unanswered; });
+    bool told = false;
+    for (const Reading* reading : failed) {
+        if (reading->unanswered && std::exchange(told, true)) {
+            continue;
+        }
+        const std::string more = reading->unanswered && unanswered > 1
+                                     ? ", nor the " + std::to_string(unanswered - 1) + " after it"
+                                     : "";
+        std::fprintf(stderr, "voractl: cannot read %s: %s%s\n", Printable(reading->item->path()).c_str(),
+                     FailureText(*reading).c_str(), more.c_str());
+    }
+    return std::any_of(readings.begin(), readings.end(),
+                       [](const Reading& reading) { return !reading.value; }) ? 1 : 0;
 }
 
 json_t* RecordsJson(const std::vector<Reading>& readings) {

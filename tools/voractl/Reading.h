@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -53,7 +54,10 @@ std::string JsonText(const json_t* json);
 // Prints a JSON document indented, with a final newline.
 void PrintJson(std::FILE* out, const json_t* json);
 
-// Says on standard error which readings failed; returns 1 when one did, else 0.
-int ReportFailures(const std::vector<Reading>& readings);
+// Says on standard error which readings failed (those left unread by a
+// board library that stopped answering, in one line), but not the items
+// named in `said`, to which it adds those it names; returns 1 when one
+// failed, else 0.
+int ReportFailures(const std::vector<Reading>& readings, std::set<std::string>* said = nullptr);
 
 }  // namespace voractl

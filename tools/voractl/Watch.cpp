@@ -89,13 +89,7 @@ public:
     // Draws one sample; false when the output is gone.
     bool sample() {
         std::vector<Reading> readings = context_.session.readAll(items_);
-        for (const Reading& reading : readings) {
-            // Each unreadable item is named once, the first time.
-            if (!reading.value && unreadable_.insert(reading.item->path()).second) {
-                std::fprintf(stderr, "voractl: cannot read %s: %s\n", Printable(reading.item->path()).c_str(),
-                             FailureText(reading).c_str());
-            }
-        }
+        ReportFailures(readings, &unreadable_);  // each unreadable item named once, the first time
         std::vector<bool> changed;
         for (size_t i = 0; i < readings.size(); ++i) {
             changed.push_back(Differs(readings[i], previous_.empty() ? nullptr : &previous_[i]));
