@@ -5,13 +5,19 @@
 # collector (the anchor a fleet would otherwise use). Each is asked plainly
 # and with Prometheus's own request headers (OpenMetrics, gzip), without
 # and with basic auth (the same web configuration for both, a cost-10
-# bcrypt hash). Each server is held to core 0, the load generator (wrk, 4
-# connections) to core 1; all listen on loopback only.
-#   bench/scrape.sh [BUILD_DIR [SECONDS]]     (defaults: build, 10)
+# bcrypt hash). Then the same with a board library that takes 1 ms a call
+# (every function of it given that latency in the profile), asked as
+# Prometheus asks. Each server is held to core 0, the load generator (wrk,
+# 4 connections) to core 1; all listen on loopback only. Last, what
+# "record --duration" adds to the slow board's load: the library's time per
+# second recorded (the recording's own call times), and voractl's processor
+# time per second.
+#   bench/scrape.sh [BUILD_DIR [SECONDS [RECORD_SECONDS]]]     (defaults: build, 10, 20)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
 seconds=${2:-10}
+record_seconds=${3:-20}
 ./scripts/install-deps.sh wrk prometheus-node-exporter util-linux
 voractl=$build/tools/voractl/voractl
 scratch=$(mktemp -d)
@@ -51,15 +57,25 @@ for generation in 4 3 eapi; do
     mkdir -p "$scratch/textfile-$generation"
     "$voractl" --sim="$profile" --sim-generation "$generation" --quiet export --format prometheus \
         --output "$scratch/textfile-$generation/voradrv.prom"
-    for auth in no yes; do
-        web=() node_web=() with=()
+    # The same board, each of its library's functions (those a reading
+    # calls) taking 1 ms.
+    slow=$scratch/slow-$generation.json
+    "$voractl" --sim="$profile" --sim-generation "$generation" --quiet --trace list 2>&1 >/dev/null |
+        sed -n 's/^\([A-Za-z]*\)(.*/\1/p' | sort -u | python3 -c '
+import json, sys
+board = json.load(open(sys.argv[1]))
+board["faults"] = [{"function": name.strip(), "latency_ms": 1} for name in sys.stdin]
+json.dump(board, open(sys.argv[2], "w"))' "$profile" "$slow"
+    for auth in no yes slow; do
+        web=() node_web=() with=() board=$profile
+        [ "$auth" = slow ] && board=$slow
         if [ "$auth" = yes ]; then
             web=(--web-config "$scratch/web.yml") node_web=(--web.config.file="$scratch/web.yml")
             with=("${login[@]}")
         fi
         rm -f "$VORA_SIM_STATE"
         port=$(free_port)
-        taskset -c 0 "$voractl" --sim="$profile" --sim-generation "$generation" --quiet serve \
+        taskset -c 0 "$voractl" --sim="$board" --sim-generation "$generation" --quiet serve \
             --listen "127.0.0.1:$port" "${web[@]}" 2>/dev/null &
         pids+=($!)
         node_port=$(free_port)
@@ -70,10 +86,12 @@ for generation in 4 3 eapi; do
         wait_for "http://127.0.0.1:$port/metrics" "${with[@]}"
         wait_for "http://127.0.0.1:$node_port/metrics" "${with[@]}"
         for asked in plain prometheus; do
+            [ "$auth" = slow ] && [ "$asked" = plain ] && continue
             headers=("${with[@]}")
             [ "$asked" = prometheus ] && headers+=("${prometheus[@]}")
             label=$asked
             [ "$auth" = yes ] && label="$asked+auth"
+            [ "$auth" = slow ] && label="$asked,1ms/call"
             for server in "voractl serve:$port" "node_exporter:$node_port"; do
                 url=http://127.0.0.1:${server##*:}/metrics
                 read -r rate median p99 < <(measure "$url" "${headers[@]}")
@@ -86,4 +104,43 @@ for generation in 4 3 eapi; do
         wait "${pids[@]}" 2>/dev/null || true
         pids=()
     done
+done
+
+# record: once, and with --duration RECORD_SECONDS; the difference is what
+# each further reading costs, from which a minute's recording follows.
+echo
+echo "record --duration 60 --interval 2 on the 1 ms board, from a single reading and one of ${record_seconds} s:"
+printf '%-12s %15s %17s %19s %12s\n' board "once: calls, s" "reading: calls, s" "60 s: library s" "voractl CPU s"
+TIMEFORMAT='%U %S'
+for generation in 4 3 eapi; do
+    slow=$scratch/slow-$generation.json
+    for duration in 0 "$record_seconds"; do
+        rm -f "$VORA_SIM_STATE"
+        { time "$voractl" --sim="$slow" --sim-generation "$generation" --quiet record \
+            --duration "$duration" --interval 2 --output "$scratch/recording-$duration.json" 2>/dev/null; } \
+            2> "$scratch/time-$duration"
+    done
+    python3 - "$scratch" "$record_seconds" "$generation" <<'PY'
+import json, sys
+scratch, seconds, generation = sys.argv[1], float(sys.argv[2]), sys.argv[3]
+def load(duration):
+    """The library's calls and their time in the recording; voractl's processor time."""
+    calls, took = 0, 0.0
+    for call in json.load(open(f"{scratch}/recording-{duration}.json"))["calls"]:
+        for answer in call.get("answers", [call]):
+            calls += answer.get("times", 1)
+            took += answer.get("took_us", 0) * answer.get("times", 1) / 1e6
+    user, system = open(f"{scratch}/time-{duration}").read().split()
+    return calls, took, float(user) + float(system)
+(calls_once, once, cpu_once), (calls_longer, longer, cpu_longer) = load("0"), load(sys.argv[2])
+further = int(seconds // 2)  # readings after the first
+# Each further reading's calls (exact) at the recording's mean time a call
+# (the difference of two totals would carry two runs' scheduling noise).
+calls_per = (calls_longer - calls_once) / further
+per = calls_per * longer / calls_longer
+cpu_per = max(cpu_longer - cpu_once, 0) / further
+minute, cpu_minute = once + 30 * per, cpu_once + 30 * cpu_per
+print(f"{generation + '-largest':12} {calls_once:6} {once:8.3f} {calls_per:8.0f} {per:8.3f} "
+      f"{minute:10.2f} ({minute / 60:5.1%}) {cpu_minute:12.3f}")
+PY
 done

@@ -74,7 +74,7 @@ the last complete reading, and no board values. The page's data says its
 sample is late, SIGHUP is taken, and SIGTERM ends the exporter within 5
 seconds, the module left in its call. Each generation's largest board, its
 first reading whole, its second hanging; scrapes asked with a 1-second
-timeout must be answered within it, 20 at once too:
+timeout must be answered within it, 20 at once too, beside 10 pages opening:
 
   $ serve() {
   >   : > serve.err
@@ -89,6 +89,7 @@ timeout must be answered within it, 20 at once too:
   >   curl -s $url/metrics | grep -E '^voradrv_(up|last_reading)' | tr '\n' ' '; echo
   >   scrape | grep -cE '^voradrv_(temperature|gpio|board)'
   >   scrape | grep -E '^voradrv_(up|last_reading|scrape_duration)' | sed 's/ [0-9.]*[1-9][0-9.]*$/ N/' | tr '\n' ' '; echo
+  >   for i in $(seq 10); do curl -s -o /dev/null $url/api/v1/items & done
   >   for i in $(seq 20); do scrape > many$i & done; wait $(jobs -p | grep -v $server)
   >   cat many* | grep -c '^voradrv_up 0'; rm many*
   >   curl -s "$url/api/v1/samples" | grep -o '"waiting":[0-9]' | sed 's/[0-9]$/N/'

@@ -27,7 +27,7 @@ struct CountingBoard {
     std::atomic<bool> failing{false};
 
     Sampler::Read read() {
-        return [this] {
+        return [this](std::chrono::steady_clock::time_point) {
             if (failing) {
                 throw std::runtime_error("the board library stopped answering");
             }

@@ -6,6 +6,8 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <future>
+#include <memory>
 #include <utility>
 
 #include "Format.h"
@@ -74,8 +76,18 @@ Sampler::~Sampler() {
 
 void Sampler::take() noexcept {
     try {
-        const JsonPtr records = read_();
+        std::chrono::steady_clock::time_point deadline = std::chrono::steady_clock::time_point::max();
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            for (const Asking& asking : asking_) {
+                deadline = std::min(deadline, asking.deadline);
+            }
+        }
+        const JsonPtr records = read_(deadline);
         if (records == nullptr) {
+            // No reading by the deadline; before it, none to be had at all
+            // (the exporter is stopping): every request is answered.
+            answer(std::chrono::steady_clock::now() < deadline);
             return;
         }
         std::string items = JsonText(records.get());
@@ -93,6 +105,35 @@ void Sampler::take() noexcept {
         taken_.notify_all();
     } catch (...) {
         ReportFailure("cannot sample the board", std::current_exception());
+    }
+    answer(true);
+}
+
+void Sampler::answer(bool all) noexcept {
+    std::vector<Asking> due;
+    std::string items;
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        const auto now = std::chrono::steady_clock::now();
+        for (auto it = asking_.begin(); it != asking_.end();) {
+            if (all || it->deadline <= now) {
+                due.push_back(std::move(*it));
+                it = asking_.erase(it);
+            } else {
+                ++it;
+            }
+        }
+        if (due.empty()) {
+            return;
+        }
+        items = items_;
+    }
+    for (const Asking& asking : due) {
+        try {
+            asking.done(items);
+        } catch (...) {
+            // Each answers for itself.
+        }
     }
 }
 
@@ -126,18 +167,30 @@ void Sampler::run() noexcept {
     }
 }
 
-std::string Sampler::items() {
+void Sampler::items(std::function<void(std::string)> done) {
     std::unique_lock<std::mutex> lock(mutex_);
     const bool wasIdle = idle_;
     touch();
-    if (wasIdle) {
-        const uint64_t seen = seq_;
-        // Not for longer than an interval (a second at least): a board that
-        // does not answer must not hold the thread that asks.
-        const std::chrono::duration<double> most(std::min(std::max(interval_, 1.0), 10.0));
-        taken_.wait_for(lock, most, [&] { return seq_ != seen || stopping_; });
+    if (!wasIdle || stopping_) {
+        const std::string items = items_;
+        lock.unlock();
+        done(items);
+        return;
     }
-    return items_;
+    // Not for longer than an interval (a second at least, ten at most): a
+    // board that does not answer must not keep the page waiting.
+    const std::chrono::duration<double> most(std::min(std::max(interval_, 1.0), 10.0));
+    asking_.push_back({std::chrono::steady_clock::now() +
+                           std::chrono::duration_cast<std::chrono::steady_clock::duration>(most),
+                       std::move(done)});
+    wake_.notify_all();
+}
+
+std::string Sampler::items() {
+    auto answered = std::make_shared<std::promise<std::string>>();
+    std::future<std::string> items = answered->get_future();
+    this->items([answered](std::string got) { answered->set_value(std::move(got)); });
+    return items.get();
 }
 
 std::string Sampler::samples(uint64_t since) {

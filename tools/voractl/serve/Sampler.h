@@ -13,6 +13,7 @@
 #include <mutex>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include "json/JsonPtr.h"
 
@@ -20,9 +21,10 @@ namespace voractl {
 
 class Sampler {
 public:
-    // Every item's record as "voractl list --json" gives it; throws when
-    // the board cannot be read, null when there is no reading to be had.
-    using Read = std::function<vorajson::JsonPtr()>;
+    // Every item's record as "voractl list --json" gives it, of a reading
+    // that ends by the deadline; throws when the board cannot be read, null
+    // when no reading ended by then.
+    using Read = std::function<vorajson::JsonPtr(std::chrono::steady_clock::time_point deadline)>;
     // How long the board's reading under way has taken, in seconds.
     using Busy = std::function<double()>;
 
@@ -37,8 +39,12 @@ public:
     Sampler(const Sampler&) = delete;
     Sampler& operator=(const Sampler&) = delete;
 
-    // The latest records, as "voractl list --json" prints them; when the
-    // sampler was idle, those of a fresh reading.
+    // Calls `done` with the latest records, as "voractl list --json" prints
+    // them: at once, or, when the sampler was idle, with those of a fresh
+    // reading, from the sampling thread (with the latest when none ends
+    // within an interval, a second at least). No thread waits meanwhile.
+    void items(std::function<void(std::string)> done);
+    // The same, waited for.
     std::string items();
     // {"interval": S, "started": T, "last": N, "samples": [{"seq", "time",
     // "values": {"<id>": value}}]}: the kept samples after `since` (0: all
@@ -57,8 +63,17 @@ private:
         std::string values;  // a JSON object: item id -> true value (null: unreadable)
     };
 
+    struct Asking {
+        std::chrono::steady_clock::time_point deadline;
+        std::function<void(std::string)> done;
+    };
+
     void run() noexcept;
     void take() noexcept;
+    // Answers the requests for items waiting for a sample with the latest
+    // items: `all` of them (a sample was taken, or none can be), else
+    // those whose deadline came.
+    void answer(bool all) noexcept;
     // A page asked: sampling goes on (or starts again).
     void touch();
 
@@ -78,6 +93,7 @@ private:
     std::string texts_ = "{}";   // of the newest sample
     std::string alarms_ = "[]";  // of the newest sample
     std::deque<Sample> ring_;
+    std::vector<Asking> asking_;  // for items, while idle
     uint64_t seq_ = 0;
     std::thread thread_;
 };

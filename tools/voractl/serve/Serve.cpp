@@ -143,7 +143,7 @@ int Serve(Context& context) {
         // The page's samples: every --interval seconds (2 by default) while
         // pages ask, the last 300 kept; a minute (or ten intervals) after the
         // last request, no more readings. They share the scrapes' readings.
-        Sampler sampler([&exporter] { return exporter.records(Clock::time_point::max()); },
+        Sampler sampler([&exporter](Clock::time_point by) { return exporter.records(by); },
                         options.interval, 300, std::max(60.0, 10 * options.interval),
                         [&exporter] { return exporter.readingFor(); });
         HttpServer server(listen, Limits(), web, ExporterSite(exporter, sampler));

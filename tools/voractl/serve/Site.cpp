@@ -50,7 +50,9 @@ void Answer(Exporter& exporter, Sampler& sampler, const HttpRequest& request,
     } else if (path == "/api/v1/library") {
         reply(HttpReply::Content(request, exporter.library(), kJson));
     } else if (path == "/api/v1/items") {
-        reply(HttpReply::Content(request, sampler.items(), kJson));
+        sampler.items([request, reply](std::string items) {
+            reply(HttpReply::Content(request, std::move(items), kJson));
+        });
     } else if (path == "/api/v1/samples") {
         const std::optional<uint64_t> since = SinceArgument(request.argument("since"));
         reply(since ? HttpReply::Content(request, sampler.samples(*since), kJson)
