@@ -19,7 +19,6 @@ struct CallThread::State {
     std::deque<std::function<void()>> jobs;
     bool stopping = false;
     bool running = false;
-    Clock::time_point since{};  // when the running job began
     unsigned long long posted = 0;
     unsigned long long done = 0;
 
@@ -33,7 +32,6 @@ struct CallThread::State {
             std::function<void()> job = std::move(jobs.front());
             jobs.pop_front();
             running = true;
-            since = Clock::now();
             lock.unlock();
             try {
                 job();
@@ -84,11 +82,6 @@ bool CallThread::idleBy(Clock::time_point deadline) {
     std::unique_lock<std::mutex> lock(state_->mutex);
     const unsigned long long posted = state_->posted;
     return state_->changed.wait_until(lock, deadline, [&] { return state_->done >= posted; });
-}
-
-Clock::duration CallThread::busyFor() const {
-    std::lock_guard<std::mutex> lock(state_->mutex);
-    return state_->running ? Clock::now() - state_->since : Clock::duration::zero();
 }
 
 Clock::time_point After(double seconds) {

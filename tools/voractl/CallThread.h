@@ -33,8 +33,6 @@ public:
     bool await(std::function<void()> job, Clock::time_point deadline);
     // Waits until every job posted has run, or `deadline`; true when they have.
     bool idleBy(Clock::time_point deadline);
-    // How long the job running now has run; zero when none runs.
-    Clock::duration busyFor() const;
 
 private:
     struct State;

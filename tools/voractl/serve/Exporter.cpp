@@ -3,6 +3,7 @@
 #include <time.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 
 #include "Format.h"
@@ -78,7 +79,7 @@ Exporter::~Exporter() {
     stop(Clock::now());
     {
         std::lock_guard<std::mutex> lock(shared_);
-        stopBy_ = Clock::time_point::min();  // the expiry thread's cue to end
+        ending_ = true;
         changed_.notify_all();
     }
     expiry_.join();
@@ -227,7 +228,7 @@ void Exporter::scrape(Clock::time_point arrived, Clock::time_point deadline, Scr
 void Exporter::expire() {
     std::unique_lock<std::mutex> lock(shared_);
     bool logged = false;
-    while (stopBy_ != Clock::time_point::min()) {
+    for (;;) {
         const Clock::time_point now = Clock::now();
         std::vector<Waiting> due;
         Clock::time_point next = Clock::time_point::max();
@@ -266,6 +267,9 @@ void Exporter::expire() {
             }
             lock.lock();
             continue;
+        }
+        if (ending_) {
+            return;
         }
         changed_.wait_until(lock, next);
     }
@@ -308,7 +312,8 @@ std::optional<uint32_t> Exporter::open(Clock::time_point deadline) {
         opening_ = true;
         status = std::make_shared<uint32_t>(VORADRV_STATUS_ERROR);
     }
-    const bool answered = calls_.await([this, status] {
+    auto late = std::make_shared<std::atomic<bool>>(false);
+    const bool answered = calls_.await([this, status, late] {
         const uint32_t got = session_.tryOpen();
         std::string document = "null";
         std::string library = "null";
@@ -330,10 +335,13 @@ std::optional<uint32_t> Exporter::open(Clock::time_point deadline) {
         if (got != 0) {
             failedAt_ = UnixTime();
             failure_ = got;
+        } else if (failedAt_ > 0 || *late) {
+            std::fprintf(stderr, "voractl: the module came up\n");
         }
         *status = got;
     }, deadline);
     if (!answered) {
+        *late = true;  // the job reads it after the status is set: a race only for the message
         return std::nullopt;
     }
     return *status;

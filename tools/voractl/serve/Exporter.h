@@ -55,7 +55,8 @@ public:
     double readingFor();
 
     // Initialises the module when it is not up and no call into it is under
-    // way; its status (0: up) when initialise answers by `deadline`.
+    // way; its status (0: up) when initialise answers by `deadline`. A
+    // module that comes up after failing, or later than that, is said to.
     std::optional<uint32_t> open(Clock::time_point deadline);
     bool opened();
     // Stopping: every scrape and records() still waiting is answered by
@@ -95,6 +96,7 @@ private:
     bool opened_ = false;
     bool wantRecords_ = false;  // of the reading under way
     bool stopping_ = false;
+    bool ending_ = false;  // the expiry thread's cue
     Clock::time_point stopBy_ = Clock::time_point::max();
     Clock::time_point since_{};  // when the reading under way began
     std::vector<Waiting> waiting_;  // for the reading under way

@@ -81,8 +81,8 @@ sigset_t TakeSignals() {
 
 // Serves until SIGTERM or SIGINT, rereading the web configuration at
 // SIGHUP. A module that did not come up is tried again after 1, 2, 4, ...
-// seconds, a minute at most between tries; an initialise that does not
-// answer is waited for a second at a time, so a signal is taken within one.
+// seconds, a minute at most between tries; an initialise that takes longer
+// is not waited for, so a signal is taken at once.
 void ServeUntilStopped(const sigset_t& signals, Exporter& exporter, HttpServer& server,
                        const std::string& webConfig) {
     long delay = 1;
@@ -99,13 +99,8 @@ void ServeUntilStopped(const sigset_t& signals, Exporter& exporter, HttpServer& 
             throw ToolError(std::string("cannot wait for signals: ") + std::strerror(errno));
         }
         if (!exporter.opened()) {
-            const std::optional<uint32_t> status = exporter.open(After(1));
-            if (status && *status == 0) {
-                std::fprintf(stderr, "voractl: the module came up\n");
-                delay = 1;
-            } else {
-                delay = std::min(delay * 2, 60L);
-            }
+            const std::optional<uint32_t> status = exporter.open(After(0.1));
+            delay = status && *status == 0 ? 1 : std::min(delay * 2, 60L);
         }
     }
 }
