@@ -1,3 +1,8 @@
+cram's terminal is 80 columns wide; this one is wide enough for the build
+tree's paths, so that they stay on one line:
+
+  $ export COLUMNS=200
+
 Items are named by id (hexadecimal or decimal), by path, or by the last
 parts of their path when they name one item, as gpioget names a line:
 

@@ -1,3 +1,8 @@
+cram's terminal is 80 columns wide; this one is wide enough for the build
+tree's paths, so that they stay on one line:
+
+  $ export COLUMNS=200
+
 voractl shows the board's true values. On an Embedded API board the library
 answers temperatures in tenths of a kelvin, publishes voltages of different
 blocks under one id, and reads a lit panel as 0:

@@ -7,6 +7,7 @@
 #include "Reading.h"
 #include "Table.h"
 #include "ToolError.h"
+#include "Width.h"
 #include "json/JsonPtr.h"
 
 using voradrv::host::GenerationText;
@@ -88,6 +89,12 @@ std::vector<Item> Requested(Context& context) {
     return items;
 }
 
+void PrintWrapped(std::FILE* out, const std::string& label, const std::string& text, size_t width) {
+    for (const std::string& line : Wrapped(label, text, width)) {
+        std::fprintf(out, "%s\n", line.c_str());
+    }
+}
+
 }  // namespace
 
 int Info(Context& context) {
@@ -117,11 +124,11 @@ int Info(Context& context) {
         PrintJson(context.out, info.get());
         return 0;
     }
-    std::fprintf(context.out, "Module         %s (version %s)\n", Printable(session.modulePath()).c_str(),
-                 version.c_str());
-    std::fprintf(context.out, "Board library  %s\n", LibraryText(session).c_str());
+    const size_t width = OutputWidth(context.out);
+    PrintWrapped(context.out, "Module         ", Printable(session.modulePath()) + " (version " + version + ")", width);
+    PrintWrapped(context.out, "Board library  ", LibraryText(session), width);
     if (replay != nullptr) {
-        std::fprintf(context.out, "Replaying      %s\n", ReplayText(replay.get()).c_str());
+        PrintWrapped(context.out, "Replaying      ", ReplayText(replay.get()), width);
     }
     for (const std::string& block : blocks) {
         std::fprintf(context.out, "  %-22s %d item%s\n", Printable(block).c_str(), counts[block],
@@ -142,11 +149,13 @@ int List(Context& context) {
         PrintJson(context.out, Own(RecordsJson(readings)).get());
         return ReportFailures(readings);
     }
-    std::fprintf(context.out, "%s\n",
-                 context.style.dim("Board library: " + LibraryText(context.session)).c_str());
     TableColumns columns;
     columns.limits = true;
     columns.pins = !context.options.all;
+    columns.width = OutputWidth(context.out);
+    for (const std::string& line : Wrapped("Board library: ", LibraryText(context.session), columns.width)) {
+        std::fprintf(context.out, "%s\n", context.style.dim(line).c_str());
+    }
     for (const std::string& line : ItemTable(TableRows(readings), columns, context.style)) {
         std::fprintf(context.out, "%s\n", line.c_str());
     }

@@ -10,12 +10,14 @@
 //         0  DI0   in   high   read-only
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "Items.h"
 #include "Reading.h"
 #include "Style.h"
+#include "Width.h"
 
 namespace voractl {
 
@@ -33,6 +35,10 @@ struct TableColumns {
     bool access = true;    // "read-only" after a value that cannot be set
     bool limits = false;   // the published min and max after the value
     bool pins = false;     // a GPIO pin's direction and level in one row
+    // The width to fit: columns are measured over the whole table, else
+    // over each group when a row would not fit; a row that still does not
+    // fit goes on over further lines, its values whole.
+    size_t width = SIZE_MAX;
 };
 
 // A row for each reading.
@@ -45,8 +51,5 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
 
 // "(min = 0.000 V, max = 50.000 V)" for a ranged number; "" for anything else.
 std::string LimitsText(const Item& item);
-
-// The display width of UTF-8 text: its number of characters.
-size_t DisplayWidth(const std::string& text);
 
 }  // namespace voractl
