@@ -64,7 +64,7 @@ std::vector<Item> Requested(Context& context) {
     const Options& options = context.options;
     std::vector<Item> items;
     for (const std::string& selector : options.arguments) {
-        for (const Item& item : Select(context.session.items(), selector, true, options.type.has_value()).items) {
+        for (const Item& item : SelectValue(context.session.items(), selector, true, options.type.has_value()).items) {
             bool seen = false;
             for (const Item& other : items) {
                 seen = seen || (other.id == item.id && other.path() == item.path());

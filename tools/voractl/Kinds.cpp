@@ -80,6 +80,21 @@ std::string TwoStateKind::words() const {
     return text + "1/0";
 }
 
+TextForm TextFormOf(const UnitKind& kind, const std::string& name) {
+    static const std::pair<const char*, TextForm> kLabels[] = {
+        {"Modified sub mask", TextForm::Netmask},
+        {"Network host name", TextForm::HostName},
+    };
+    for (const auto& [label, form] : kLabels) {
+        if (name == label) {
+            return form;
+        }
+    }
+    return kind.quantity == Quantity::HexText       ? TextForm::Mac
+           : kind.quantity == Quantity::DecimalText ? TextForm::Address
+                                                    : TextForm::Any;
+}
+
 const UnitKind& UnitKindOf(const std::string& unit) {
     for (const UnitKind& kind : kUnits) {
         if (unit == kind.unit) {

@@ -87,6 +87,14 @@ struct UnitKind {
     const TwoStateKind* twoState() const { return states.name != nullptr ? &states : nullptr; }
 };
 
+// The form a text setting must have before voractl sends it: the MAC and
+// IPv4 addresses by their units, a netmask and a host name by the labels
+// the network block publishes them with.
+enum class TextForm { Any, Mac, Address, Netmask, HostName };
+
+// The form of the text item `name` of `kind`.
+TextForm TextFormOf(const UnitKind& kind, const std::string& name);
+
 // The row of `unit`; a unit of no row is a number shown with the unit as
 // published, and exported without one.
 const UnitKind& UnitKindOf(const std::string& unit);
