@@ -293,7 +293,16 @@ Selection Select(const std::vector<Item>& items, const std::string& selector, bo
 }
 
 Selection SelectValue(const std::vector<Item>& items, const std::string& selector, bool groups, bool typed) {
-    Selection selection = Select(items, selector, true, typed);
+    PinPath(items, selector);  // a number that is no pin is said so
+    Selection selection;
+    try {
+        selection = Select(items, selector, true, typed);
+    } catch (const ToolError&) {
+        if (groups) {
+            throw;
+        }
+        return Select(items, selector, false, typed);  // the error of an item alone
+    }
     if (const Item* level = selection.group ? PinLevel(selection.items) : nullptr) {
         return {{*level}, false};
     }
