@@ -1,11 +1,15 @@
 #include "Commands.h"
 
+#include <cmath>
 #include <map>
+#include <optional>
 
 #include "BoardLibraries.h"
+#include "Format.h"
 #include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
+#include "TextChecks.h"
 #include "ToolError.h"
 #include "Width.h"
 #include "json/JsonPtr.h"
@@ -89,6 +93,94 @@ std::vector<Item> Requested(Context& context) {
     return items;
 }
 
+// The items `info` is asked for, a pin as its level, each once.
+std::vector<Item> Asked(Context& context) {
+    std::vector<Item> items;
+    for (const std::string& selector : context.options.arguments) {
+        for (const Item& item : SelectValue(context.session.items(), selector, true).items) {
+            bool seen = false;
+            for (const Item& other : items) {
+                seen = seen || (other.id == item.id && other.path() == item.path());
+            }
+            if (!seen) {
+                items.push_back(item);
+            }
+        }
+    }
+    return items;
+}
+
+// Where a ranged reading lies in its range, in whole percent, as
+// brightnessctl shows brightness; none for any other.
+std::optional<long> Percent(const Reading& reading) {
+    const Item& item = *reading.item;
+    if (!reading.value || !json_is_number(reading.value.get()) || !item.ranged() || item.twoState()) {
+        return std::nullopt;
+    }
+    double low = *item.minimum;
+    double high = *item.maximum;
+    const Conversion& conversion = item.kind().conversion;
+    if (reading.bare && reading.libraryUnit && conversion.toLibrary != nullptr) {
+        low = conversion.toLibrary(low);
+        high = conversion.toLibrary(high);
+    }
+    if (high <= low) {
+        return std::nullopt;
+    }
+    return std::lround((json_number_value(reading.value.get()) - low) / (high - low) * 100.0);
+}
+
+// A management network setting as `ipmitool lan print` shows one:
+// "Modified sub mask              : 255.255.255.0 (/24)".
+void NetworkLine(Context& context, const Reading& reading) {
+    const std::string name = Printable(reading.item->name);
+    const std::string value = ShownValue(reading);
+    const std::string note = reading.value ? PrefixNote(*reading.item, value) : "";
+    std::fprintf(context.out, "%s%s : %s%s\n", name.c_str(),
+                 std::string(30 - std::min<size_t>(30, DisplayWidth(name)), ' ').c_str(), value.c_str(),
+                 note.c_str());
+}
+
+// Each item as brightnessctl info shows a device, a network setting as
+// `ipmitool lan print` shows one:
+//   Item 'Backlight/LVDS/Brightness' (0x1050501):
+//   	Current Brightness: 80 (80%)
+//   	Max Brightness: 100
+//   	Min Brightness: 0
+int ItemInfo(Context& context) {
+    const std::vector<Item> items = Asked(context);
+    const std::vector<Reading> readings = context.session.readAll(items);
+    JsonPtr records = Own(RecordsJson(readings));
+    for (size_t i = 0; i < readings.size(); ++i) {
+        const Reading& reading = readings[i];
+        const Item& item = *reading.item;
+        const std::string name = Printable(item.name);
+        const std::optional<long> percent = Percent(reading);
+        if (percent) {
+            json_object_set_new(json_array_get(records.get(), i), "percent", json_integer(*percent));
+        }
+        if (context.options.json) {
+            continue;
+        }
+        if (item.in(Block::Network)) {
+            NetworkLine(context, reading);
+            continue;
+        }
+        std::fprintf(context.out, "Item '%s' (%s):\n\tCurrent %s: %s", Printable(item.path()).c_str(),
+                     IdText(item.id).c_str(), name.c_str(), ShownValue(reading).c_str());
+        std::fprintf(context.out, percent ? " (%ld%%)\n" : "\n", percent.value_or(0));
+        if (item.ranged() && !item.twoState() && item.type != JSON_STRING) {
+            std::fprintf(context.out, "\tMax %s: %s\n\tMin %s: %s\n", name.c_str(),
+                         LimitText(item, *item.maximum, reading.bare, reading.libraryUnit).c_str(), name.c_str(),
+                         LimitText(item, *item.minimum, reading.bare, reading.libraryUnit).c_str());
+        }
+    }
+    if (context.options.json) {
+        PrintJson(context.out, readings.size() == 1 ? json_array_get(records.get(), 0) : records.get());
+    }
+    return ReportFailures(readings);
+}
+
 void PrintWrapped(std::FILE* out, const std::string& label, const std::string& text, size_t width) {
     for (const std::string& line : Wrapped(label, text, width)) {
         std::fprintf(out, "%s\n", line.c_str());
@@ -98,6 +190,9 @@ void PrintWrapped(std::FILE* out, const std::string& label, const std::string& t
 }  // namespace
 
 int Info(Context& context) {
+    if (!context.options.arguments.empty()) {
+        return ItemInfo(context);
+    }
     Session& session = context.session;
     std::map<std::string, int> counts;
     std::vector<std::string> blocks;

@@ -12,12 +12,13 @@ namespace {
 constexpr double kZeroCelsius = 2731.0;
 
 double FromTenthsOfKelvin(double tenths) { return std::round(tenths - kZeroCelsius) / 10.0; }
+double ToTenthsOfKelvin(double celsius) { return std::round(celsius * 10.0 + kZeroCelsius); }
 
 const UnitKind kUnits[] = {
     // Sensor readings, shown as `sensors` shows them and named as
     // node_exporter's hwmon collector names them.
     {"Cel", Quantity::Number, {"°C", 1, true}, {"celsius", "degrees Celsius", "Cel"},
-     {"temperature", "Temperature sensor reading"}, {}, {"eapi", FromTenthsOfKelvin}},
+     {"temperature", "Temperature sensor reading"}, {}, {"eapi", FromTenthsOfKelvin, ToTenthsOfKelvin}},
     {"V", Quantity::Number, {"V", 3}, {"volts", "volts", "V"},
      {"voltage", "Voltage sensor reading"}},
     {"A", Quantity::Number, {"A", 3}, {"amperes", "amperes", "A"},
@@ -83,6 +84,7 @@ std::string TwoStateKind::words() const {
 TextForm TextFormOf(const UnitKind& kind, const std::string& name) {
     static const std::pair<const char*, TextForm> kLabels[] = {
         {"Modified sub mask", TextForm::Netmask},
+        {"Current sub mask", TextForm::Netmask},
         {"Network host name", TextForm::HostName},
     };
     for (const auto& [label, form] : kLabels) {

@@ -68,10 +68,12 @@ struct Sensor {
 };
 
 // On the board library of `generation` the module gives the unit's values
-// in the library's own unit; `toTrue` makes them this unit's.
+// in the library's own unit; `toTrue` makes them this unit's, `toLibrary`
+// this unit's the library's (for limits, which are published in this unit).
 struct Conversion {
     const char* generation = nullptr;
     double (*toTrue)(double) = nullptr;
+    double (*toLibrary)(double) = nullptr;
 };
 
 struct UnitKind {

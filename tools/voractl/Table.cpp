@@ -31,19 +31,15 @@ std::string AccessText(const std::string& access) {
 
 // "(min = 0.000 V, max = 50.000 V)" for a ranged number, as `sensors` shows
 // limits; "" for anything else.
-std::string Limits(const Item& item) {
+std::string Limits(const Item& item, bool bare = false, bool libraryUnit = false) {
     if (!item.ranged() || item.twoState() || item.type == JSON_STRING) {
         return "";
     }
-    JsonPtr minimum = Own(json_real(*item.minimum));
-    JsonPtr maximum = Own(json_real(*item.maximum));
-    if (item.type == JSON_INTEGER) {
-        minimum = Own(json_integer(static_cast<json_int_t>(*item.minimum)));
-        maximum = Own(json_integer(static_cast<json_int_t>(*item.maximum)));
-    }
-    return "(min = " + DisplayValue(minimum.get(), item) +
-           ", max = " + DisplayValue(maximum.get(), item) + ")";
+    return "(min = " + LimitText(item, *item.minimum, bare, libraryUnit) +
+           ", max = " + LimitText(item, *item.maximum, bare, libraryUnit) + ")";
 }
+
+std::string Limits(const TableRow& row) { return Limits(*row.item, row.bare, row.libraryUnit); }
 
 // A GPIO pin's two rows, direction then level, as one: its number and name,
 // both values, and which of them cannot be set.
@@ -111,7 +107,7 @@ void Measure(const TableRow& row, const TableColumns& columns, Widths& widths) {
     }
     widths.name = std::max(widths.name, std::min(name, NameRoom(columns.width)));
     widths.value = std::max(widths.value, std::min(DisplayWidth(row.value), kWidestValue));
-    widths.limits = std::max(widths.limits, DisplayWidth(Limits(*row.item)));
+    widths.limits = std::max(widths.limits, DisplayWidth(Limits(row)));
 }
 
 // What a row's columns are measured with when the table does not fit as a
@@ -255,7 +251,7 @@ Laid ItemRow(const TableRow& row, const TableColumns& columns, const Widths& wid
     const std::string mark = columns.changed ? (row.changed ? " *" : "  ") : "";
     laid.cells.push_back({value + mark, row.value + mark, widths.value + mark.size(), 0});
     if (columns.limits && widths.limits > 0) {
-        laid.cells.push_back(Plain(Limits(item), widths.limits));
+        laid.cells.push_back(Plain(Limits(row), widths.limits));
     }
     // After the limits, as `sensors` marks a reading outside them.
     if (widths.alarms) {
@@ -310,7 +306,8 @@ bool Render(const std::vector<TableRow>& rows, const TableColumns& columns, cons
 std::vector<TableRow> TableRows(const std::vector<Reading>& readings) {
     std::vector<TableRow> rows;
     for (const Reading& reading : readings) {
-        rows.push_back(TableRow{reading.item, ShownValue(reading), !reading.value, false, reading.alarm});
+        rows.push_back(TableRow{reading.item, ShownValue(reading), !reading.value, false, reading.alarm,
+                                reading.bare, reading.libraryUnit});
     }
     return rows;
 }
@@ -325,6 +322,19 @@ std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const Tabl
     return lines;
 }
 
-std::string LimitsText(const Item& item) { return Limits(item); }
+std::string LimitText(const Item& item, double limit, bool bare, bool libraryUnit) {
+    const Conversion& conversion = item.kind().conversion;
+    if (bare && libraryUnit && conversion.toLibrary != nullptr) {
+        limit = conversion.toLibrary(limit);
+    }
+    const JsonPtr value = Own(item.type == JSON_INTEGER || (bare && libraryUnit)
+                                  ? json_integer(static_cast<json_int_t>(limit))
+                                  : json_real(limit));
+    return bare ? ValueText(value.get()) : DisplayValue(value.get(), item);
+}
+
+std::string LimitsText(const Item& item, bool bare, bool libraryUnit) {
+    return Limits(item, bare, libraryUnit);
+}
 
 }  // namespace voractl

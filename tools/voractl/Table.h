@@ -27,6 +27,8 @@ struct TableRow {
     bool failed = false;   // the value could not be read
     bool changed = false;  // the value differs from the previous sample
     bool alarm = false;    // the value lies outside the published range
+    bool bare = false;     // the value is the module's number (--raw): so are the limits
+    bool libraryUnit = false;  // and that number is in the library's own unit
 };
 
 struct TableColumns {
@@ -49,7 +51,13 @@ std::vector<TableRow> TableRows(const std::vector<Reading>& readings);
 std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const TableColumns& columns,
                                    const Style& style);
 
-// "(min = 0.000 V, max = 50.000 V)" for a ranged number; "" for anything else.
-std::string LimitsText(const Item& item);
+// A published limit of `item` as its values are shown: "50.000 V"; with
+// `bare` the number alone, in the library's unit with `libraryUnit`.
+std::string LimitText(const Item& item, double limit, bool bare, bool libraryUnit);
+
+// "(min = 0.000 V, max = 50.000 V)" for a ranged number; "" for anything
+// else. With `bare`, the numbers alone as the module gives values ("(min =
+// 2731, max = 3731)"), in the library's unit with `libraryUnit`.
+std::string LimitsText(const Item& item, bool bare = false, bool libraryUnit = false);
 
 }  // namespace voractl

@@ -84,6 +84,17 @@ bool HostName(const std::string& text) {
 
 }  // namespace
 
+std::string PrefixNote(const Item& item, const std::string& value) {
+    if (TextFormOf(item.kind(), item.name) != TextForm::Netmask || !Netmask(value)) {
+        return "";
+    }
+    int ones = 0;
+    for (uint32_t mask = *Address(value); mask != 0; mask <<= 1) {
+        ++ones;
+    }
+    return " (/" + std::to_string(ones) + ")";
+}
+
 std::string TextRefusal(const Item& item, const std::string& text) {
     switch (TextFormOf(item.kind(), item.name)) {
         case TextForm::Mac:

@@ -13,4 +13,8 @@ namespace voractl {
 // Why `text` may not be written to `item`; "" when it may.
 std::string TextRefusal(const Item& item, const std::string& text);
 
+// " (/24)" after a netmask item's value "255.255.255.0", as a network's
+// prefix length is written; "" for any other item or value.
+std::string PrefixNote(const Item& item, const std::string& value);
+
 }  // namespace voractl
