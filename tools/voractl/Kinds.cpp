@@ -97,6 +97,23 @@ TextForm TextFormOf(const UnitKind& kind, const std::string& name) {
                                                     : TextForm::Any;
 }
 
+std::string TwoStateWordLines() {
+    std::string lines;
+    for (const UnitKind& kind : kUnits) {
+        if (kind.twoState() == nullptr) {
+            continue;
+        }
+        lines += kind.unit;
+        for (const auto* words : {&kind.states.one, &kind.states.zero}) {
+            for (const char* word : *words) {
+                lines += word != nullptr ? std::string(" ") + word : "";
+            }
+        }
+        lines += "\n";
+    }
+    return lines;
+}
+
 const UnitKind& UnitKindOf(const std::string& unit) {
     for (const UnitKind& kind : kUnits) {
         if (unit == kind.unit) {

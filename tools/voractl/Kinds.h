@@ -101,6 +101,10 @@ TextForm TextFormOf(const UnitKind& kind, const std::string& name);
 // published, and exported without one.
 const UnitKind& UnitKindOf(const std::string& unit);
 
+// Each two-state unit with the words it takes, a line each: "H/L high
+// active low inactive".
+std::string TwoStateWordLines();
+
 // A two-state value ("bv") whose unit is none of the two-state kinds': 0 and
 // 1 only.
 extern const TwoStateKind kPlainTwoState;
