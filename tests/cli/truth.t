@@ -124,8 +124,9 @@ answers all ones and a negative rail published from 0 V are flagged too:
       "alarm": true
 
 The alarm is the true value's: an Embedded API temperature of 0 (tenths of
-a kelvin) is -273.1 °C, below the published minimum, also where --raw shows 0:
+a kelvin) is -273.1 °C, below the published minimum, also where --raw shows 0
+beside the limits in the same tenths of a kelvin:
 
   $ echo '{"board": {"name": "VB-1"}, "sensors": {"temperature": [{"index": 0, "raw": "0"}]}}' > cold.json
   $ vora --sim=cold.json --raw list Temperature | tail -1
-      0x1020101  CPU  0  (min = +0.0 \xc2\xb0C, max = +100.0 \xc2\xb0C)  ALARM  read-only (esc)
+      0x1020101  CPU  0  (min = 2731, max = 3731)  ALARM  read-only

@@ -170,6 +170,15 @@ const TwoStateKind* Item::twoStateKind() const {
     return states == nullptr && key == "bv" ? &kPlainTwoState : states;
 }
 
+const Item* BoardNameItem(const std::vector<Item>& items) {
+    for (const Item& item : items) {
+        if (item.in(Block::Platform) && item.type == JSON_STRING && item.name == "Board name") {
+            return &item;
+        }
+    }
+    return nullptr;
+}
+
 std::vector<Item> CollectItems(const json_t* document) {
     std::vector<Item> items;
     const char* blockName;

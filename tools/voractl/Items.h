@@ -68,6 +68,9 @@ struct Item {
     }
 };
 
+// The platform information's board name; null when the board publishes none.
+const Item* BoardNameItem(const std::vector<Item>& items);
+
 // Every element of every block, in document order; elements of one group
 // published with one id are one item, named after the last of them.
 std::vector<Item> CollectItems(const json_t* document);
