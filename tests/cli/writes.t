@@ -113,6 +113,28 @@ or - where it is refused (nothing written):
   =9223372036854775807+ | 100 255
   $ voractl --sim set Brightness=50 && voractl --sim --sim-generation 3 --sim-reset get Brightness
   70
+
+info shows an item as brightnessctl info shows a device, its share of the
+range counted from the range's start; --raw in the module's units, limits
+too; a pin is its level:
+
+  $ voractl --sim info Brightness DI0 && voractl --sim --sim-generation 3 info Brightness
+  Item 'Backlight/LVDS/Brightness' (0x1050501):
+  	Current Brightness: 50 (50%) (esc)
+  	Max Brightness: 100 (esc)
+  	Min Brightness: 0 (esc)
+  Item 'GPIO/DI0/Level' (0x1040301):
+  	Current Level: high (esc)
+  Item 'Backlight/VGA/Brightness' (0x1050501):
+  	Current Brightness: 70 (24%) (esc)
+  	Max Brightness: 255 (esc)
+  	Min Brightness: 10 (esc)
+  $ voractl --sim --sim-generation eapi --raw info Temperature/CPU | tail -3
+  	Current CPU: 3189 (46%) (esc)
+  	Max CPU: 3731 (esc)
+  	Min CPU: 2731 (esc)
+  $ voractl --sim info --json Brightness | grep '"percent"'
+    "percent": 50
   $ voractl --sim set --json 'Modified device IP=192.168.001.010'
   {
     "id": 17498117,
@@ -182,6 +204,28 @@ writes nothing (--force sends it anyway, for the board to judge):
   [1]
   $ [ "$(voractl --sim get OOB-Network)" = "$before" ] && echo nothing written
   nothing written
+
+info shows the network as ipmitool lan print does, a netmask with its
+prefix length; the numbers of control, status, error code and server type
+are the board library's own, shown as it gives them:
+
+  $ voractl --sim info OOB-Network
+  Network control                : 1
+  Network status                 : 3
+  Network host name              : vb4410-bmc
+  Network MAC address            : 00:0B:AB:12:34:5F
+  Modified device IP             : 192.168.1.10
+  Modified sub mask              : 255.255.255.0 (/24)
+  Modified domain name server IP : 192.168.10.1
+  Mofified getway IP             : 192.168.10.1
+  Current device IP              : 192.168.10.20
+  Current sub mask               : 255.255.255.0 (/24)
+  Current domain name server IP  : 192.168.10.1
+  Current getway IP              : 192.168.10.1
+  Network error code             : 0
+  Server type                    : 1
+  Server domain name             : mgmt.plant2.example.net
+  Server IP/Port                 : 192.168.10.5:623
   $ voractl --sim set 'Modified sub mask=255.255.0.0' 'Network host name=' 'Network MAC address=00:0B:ab:00:00:02' &&
   >   voractl --sim get 'Modified sub mask' 'Network host name' 'Network MAC address'
   OOB-Network/OOBNetwork0/Modified sub mask: 255.255.0.0
