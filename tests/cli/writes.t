@@ -80,7 +80,7 @@ generation's panel (0..100) and the third's (10..255), what each form sets,
 or - where it is refused (nothing written):
 
   $ forms=(60 50% +10 -10 10%- 5+ +10% -100% +100% 0x10 010 500 9 10%%- -5+ +-5 %5 '' ' 5' 1e2
-  >        99999999999999999999 9223372036854775807+)
+  >        99999999999999999999 9223372036854775807+ 9223372036854775807%)
   $ for form in "${forms[@]}"; do
   >   row=$(printf '%-22s|' "=$form")
   >   for generation in 4 3; do
@@ -111,6 +111,7 @@ or - where it is refused (nothing written):
   =1e2                  | -(50) -(50)
   =99999999999999999999 | -(50) -(50)
   =9223372036854775807+ | 100 255
+  =9223372036854775807% | -(50) -(50)
   $ voractl --sim set Brightness=50 && voractl --sim --sim-generation 3 --sim-reset get Brightness
   70
 

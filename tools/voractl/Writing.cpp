@@ -123,6 +123,11 @@ JsonPtr RangedValue(Session& session, const Item& item, const Amount& amount, st
         value = json_number_value(present.value.get()) + amount.step * value;
         value = std::min(std::max(value, *item.minimum), *item.maximum);
     }
+    // Beyond any item's 32 bits, and beyond what an integer holds exactly.
+    if (!(std::fabs(value) < 1e15)) {
+        return Refuse(refusal, Number(value) + " is outside its range " + Number(*item.minimum) + ".." +
+                                   Number(*item.maximum));
+    }
     return Own(json_integer(static_cast<json_int_t>(value)));
 }
 
