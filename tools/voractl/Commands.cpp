@@ -68,7 +68,8 @@ std::vector<Item> Requested(Context& context) {
     const Options& options = context.options;
     std::vector<Item> items;
     for (const std::string& selector : options.arguments) {
-        for (const Item& item : SelectValue(context.session.items(), selector, true, options.type.has_value()).items) {
+        const bool typed = options.type.has_value();
+        for (const Item& item : SelectValue(context.session.items(), selector, true, typed).items) {
             bool seen = false;
             for (const Item& other : items) {
                 seen = seen || (other.id == item.id && other.path() == item.path());
@@ -170,9 +171,10 @@ int ItemInfo(Context& context) {
                      IdText(item.id).c_str(), name.c_str(), ShownValue(reading).c_str());
         std::fprintf(context.out, percent ? " (%ld%%)\n" : "\n", percent.value_or(0));
         if (item.ranged() && !item.twoState() && item.type != JSON_STRING) {
-            std::fprintf(context.out, "\tMax %s: %s\n\tMin %s: %s\n", name.c_str(),
-                         LimitText(item, *item.maximum, reading.bare, reading.libraryUnit).c_str(), name.c_str(),
-                         LimitText(item, *item.minimum, reading.bare, reading.libraryUnit).c_str());
+            const std::string high = LimitText(item, *item.maximum, reading.bare, reading.libraryUnit);
+            const std::string low = LimitText(item, *item.minimum, reading.bare, reading.libraryUnit);
+            std::fprintf(context.out, "\tMax %s: %s\n\tMin %s: %s\n", name.c_str(), high.c_str(), name.c_str(),
+                         low.c_str());
         }
     }
     if (context.options.json) {
@@ -187,12 +189,8 @@ void PrintWrapped(std::FILE* out, const std::string& label, const std::string& t
     }
 }
 
-}  // namespace
-
-int Info(Context& context) {
-    if (!context.options.arguments.empty()) {
-        return ItemInfo(context);
-    }
+// The module, the board library and the items of each block.
+int ModuleInfo(Context& context) {
     Session& session = context.session;
     std::map<std::string, int> counts;
     std::vector<std::string> blocks;
@@ -220,7 +218,8 @@ int Info(Context& context) {
         return 0;
     }
     const size_t width = OutputWidth(context.out);
-    PrintWrapped(context.out, "Module         ", Printable(session.modulePath()) + " (version " + version + ")", width);
+    PrintWrapped(context.out, "Module         ",
+                 Printable(session.modulePath()) + " (version " + version + ")", width);
     PrintWrapped(context.out, "Board library  ", LibraryText(session), width);
     if (replay != nullptr) {
         PrintWrapped(context.out, "Replaying      ", ReplayText(replay.get()), width);
@@ -230,6 +229,12 @@ int Info(Context& context) {
                      counts[block] == 1 ? "" : "s");
     }
     return 0;
+}
+
+}  // namespace
+
+int Info(Context& context) {
+    return context.options.arguments.empty() ? ModuleInfo(context) : ItemInfo(context);
 }
 
 int Caps(Context& context) {

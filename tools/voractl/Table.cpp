@@ -181,7 +181,8 @@ void Flow(const Laid& row, size_t width, std::vector<std::string>& lines) {
     size_t pad = 0;  // what the cell before still owes its column
     bool first = true;
     for (const Cell& whole : row.cells) {
-        for (const Cell& cell : DisplayWidth(whole.plain) > room ? Pieces(whole, room) : std::vector<Cell>{whole}) {
+        const std::vector<Cell> cells = DisplayWidth(whole.plain) > room ? Pieces(whole, room) : std::vector<Cell>{whole};
+        for (const Cell& cell : cells) {
             const size_t wide = DisplayWidth(cell.plain);
             if (wide == 0 && !first) {
                 pad += cell.gap + cell.column;  // an empty column: only its width

@@ -159,7 +159,8 @@ std::string Exporter::library() {
     const Reading name = board != nullptr ? session_.read(*board) : Reading{};
     JsonPtr json = Own(json_pack("{s:s, s:s, s:s, s:O}", "name", library->name.c_str(), "generation",
                                  voradrv::host::GenerationText(library->generation).c_str(), "path",
-                                 library->path.c_str(), "board", name.value ? name.value.get() : json_null()));
+                                 library->path.c_str(), "board",
+                                 name.value ? name.value.get() : json_null()));
     return JsonText(json.get());
 }
 
