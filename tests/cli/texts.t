@@ -51,22 +51,23 @@ may be typed as shown; JSON carries them whole, in its own escapes:
       "value": "VB\u001B[31mRED\u0007"
 
 A text of 4 KiB (the third generation's longest) goes on over lines of
-its own, whole, and no line is wider than the terminal (COLUMNS, else 80):
+its own, whole, and no line is wider than the terminal (COLUMNS, else 80;
+the board library's path, a word longer than a line, left out here):
 
   $ printf '{"board": {"name": "%05000d"}}' 0 > long.json
   $ vora3() { voractl --sim=long.json --sim-generation 3 "$@"; }
   $ for columns in '' 0 -1 abc 100000 1 60; do
   >   if [ -z "$columns" ]; then unset COLUMNS; else export COLUMNS=$columns; fi
-  >   vora3 list 'Platform Information' > out.txt
+  >   vora3 list 'Platform Information' | sed '1,/^Platform Information/{/^Platform Information/!d}' > out.txt
   >   echo "${columns:-unset}: $(wc -l < out.txt) lines, widest $(awk '{ print length }' out.txt | sort -n | tail -1), $(tr -cd 0 < out.txt | wc -c) zeros"
   > done
-  unset: 88 lines, widest 80, 4107 zeros
-  0: 88 lines, widest 80, 4107 zeros
-  -1: 88 lines, widest 80, 4107 zeros
-  abc: 88 lines, widest 80, 4107 zeros
-  100000: 4 lines, widest 4137, 4107 zeros
-  1: 136 lines, widest 56, 4107 zeros
-  60: 146 lines, widest 60, 4107 zeros
+  unset: 86 lines, widest 80, 4105 zeros
+  0: 86 lines, widest 80, 4105 zeros
+  -1: 86 lines, widest 80, 4105 zeros
+  abc: 86 lines, widest 80, 4105 zeros
+  100000: 3 lines, widest 4137, 4105 zeros
+  1: 133 lines, widest 40, 4105 zeros
+  60: 144 lines, widest 60, 4105 zeros
   $ export COLUMNS=200
 
 The simulator's messages quote a profile in JSON's escapes; local texts are
