@@ -110,9 +110,11 @@ const OptionSpec kCount{"--count", nullptr, Takes::Value, "N", Completes::Nothin
 const OptionSpec kTimeout{"--timeout", nullptr, Takes::Value, "S", Completes::Nothing,
     [](Options& o, const char* v) { o.timeout = Seconds("--timeout", v, 0.001, 86400.0); }};
 const char kTimeoutHelp[] =
-    "give up on the board library after SECONDS: what is not read by then is "
+    "give up on the board library after S seconds: what is not read by then is "
     "unreadable (exit status 1), and voractl leaves at once without "
     "uninitialising the module, which is still in the library's call";
+const OptionSpec kChanges{"--changes", nullptr, Takes::Nothing, nullptr, Completes::Nothing,
+    [](Options& o, const char*) { o.changes = true; }};
 const OptionSpec kFormat{"--format", nullptr, Takes::Value, "senml|prometheus", Completes::Words,
     [](Options& o, const char* v) { o.format = Format(v); }};
 const OptionSpec kOutput{"--output", nullptr, Takes::Value, "FILE", Completes::Files,
@@ -162,11 +164,13 @@ const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
         VORACTL_VERSION,
         kUsageHead,
         {
-            {"info", "the module and the board library in use",
-             {{&kJson, "the same as a JSON document"}},
-             {}, 0, 0, nullptr, Arguments::None,
+            {"info", "the module and the board library in use, or items",
+             {{&kJson, "the same as a JSON document (items: their records, with \"percent\")"}},
+             {"[ITEM...]"}, 0, SIZE_MAX, nullptr, Arguments::Items,
              "Show the module in use (its file and version), the board library it bound (its "
-             "file and generation) and how many items each block publishes.",
+             "file and generation) and how many items each block publishes. With ITEMs, each "
+             "as brightnessctl info shows a device: its current value, with its share of the "
+             "published range, and the range's ends.",
              nullptr, Info},
             {"caps", "print the capability document",
              {{&kJson, "the same (the document is JSON in any case)"}},
@@ -214,8 +218,10 @@ const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
                        "the items as \"list --json\" records with \"changed\""},
               {&kInterval, "seconds between samples (default 2; fractions allowed)"},
               {&kCount, "stop after N samples (default: until interrupted)"},
-              {&kTimeout, "give up on a sample's reading after SECONDS: its items not "
-                          "read by then are N/A, and the watch ends there (exit status 1)"}},
+              {&kTimeout, "give up on a sample's reading after S seconds: its items not "
+                          "read by then are N/A, and the watch ends there (exit status 1)"},
+              {&kChanges, "only what changed, a line each, as gpiomon reports edges: "
+                          "\"rising\" and \"falling\" for a level, else \"changed\""}},
              {"[ITEM|GROUP...]"}, 0, SIZE_MAX, nullptr, Arguments::Groups,
              "Read the items again and again: on a terminal the table is redrawn in place, "
              "otherwise each sample is one line with its time. A value that changed since "

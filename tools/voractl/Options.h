@@ -37,6 +37,7 @@ struct Options {
     double duration = 0.0;       // record --duration, seconds; 0: one reading
     long count = 0;              // watch --count; 0: until interrupted
     double timeout = 0.0;        // get, list, export, watch --timeout, seconds; 0: none
+    bool changes = false;        // watch --changes: only what changed, as gpiomon reports edges
     std::string format;          // export --format
     std::string output;          // export, record --output; empty: standard output
     bool redact = false;         // record --redact

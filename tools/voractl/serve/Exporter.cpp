@@ -320,9 +320,13 @@ std::optional<uint32_t> Exporter::open(Clock::time_point deadline) {
         if (got == 0) {
             document = JsonText(session_.document());
             if (const auto& bound = session_.library()) {
+                // The board's name, for the page's title: null when none can be read.
+                const Item* board = BoardNameItem(session_.items());
+                const Reading name = board != nullptr ? session_.read(*board) : Reading{};
                 JsonPtr json = Own(json_pack(
-                    "{s:s, s:s, s:s}", "name", bound->name.c_str(), "generation",
-                    voradrv::host::GenerationText(bound->generation).c_str(), "path", bound->path.c_str()));
+                    "{s:s, s:s, s:s, s:O}", "name", bound->name.c_str(), "generation",
+                    voradrv::host::GenerationText(bound->generation).c_str(), "path", bound->path.c_str(),
+                    "board", name.value ? name.value.get() : json_null()));
                 library = JsonText(json.get());
             }
         }

@@ -67,9 +67,11 @@ public:
     // `deadline` (it is then left in it).
     bool close(Clock::time_point deadline);
 
-    // For the board page: the capability document as the module built it
-    // (null while it is not up); the board library the module bound,
-    // {"name", "generation", "path"} (null: none).
+    // For the board page, as they were when the module came up: the
+    // capability document as the module built it (null while it is not
+    // up); the board library the module bound, {"name", "generation",
+    // "path", "board": the board's name, null when it could not be read}
+    // (null: none).
     std::string document();
     std::string library();
 
