@@ -12,12 +12,12 @@
 # "record --duration" adds to the slow board's load: the library's time per
 # second recorded (the recording's own call times), and voractl's processor
 # time per second.
-#   bench/scrape.sh [BUILD_DIR [SECONDS [RECORD_SECONDS]]]     (defaults: build, 10, 20)
+#   bench/scrape.sh [BUILD_DIR [SECONDS [RECORD_SECONDS]]]     (defaults: build, 10, twice SECONDS)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${1:-build}
 seconds=${2:-10}
-record_seconds=${3:-20}
+record_seconds=${3:-$((2 * seconds))}
 ./scripts/install-deps.sh wrk prometheus-node-exporter util-linux
 voractl=$build/tools/voractl/voractl
 scratch=$(mktemp -d)

@@ -130,35 +130,37 @@ void Session::abandon() {
     output_.abandon();
 }
 
+// A reading on the module's thread that the caller may stop waiting for.
+// The thread reads a copy of the items, which the caller may drop while a
+// call it gave up on is still under way; what it read is kept until the
+// caller stops waiting, and nothing after that.
+struct Session::Progress {
+    std::mutex mutex;
+    std::vector<Item> items;
+    std::vector<Reading> readings;
+    bool late = false;
+
+    // The next item to read, or null once done or late.
+    const Item* next() {
+        std::lock_guard<std::mutex> lock(mutex);
+        return late || readings.size() == items.size() ? nullptr : &items[readings.size()];
+    }
+    void keep(Reading reading) {
+        std::lock_guard<std::mutex> lock(mutex);
+        if (!late) {
+            readings.push_back(std::move(reading));
+        }
+    }
+};
+
 std::vector<Reading> Session::readWithin(const std::vector<Item>& items) {
-    // The thread reads a copy of the items, which the caller may drop while
-    // a call it gave up on is still under way; what it read is kept until
-    // the caller stops waiting, and nothing after that.
-    struct Progress {
-        std::mutex mutex;
-        std::vector<Item> items;
-        std::vector<Reading> readings;
-        bool late = false;
-    };
     auto progress = std::make_shared<Progress>();
     progress->items = items;
     if (!abandoned_) {
         calls_->await([this, progress] {
             ModuleOutput::Catch caught(output_);
-            for (size_t i = 0;; ++i) {
-                const Item* item;
-                {
-                    std::lock_guard<std::mutex> lock(progress->mutex);
-                    if (progress->late || i == progress->items.size()) {
-                        return;
-                    }
-                    item = &progress->items[i];
-                }
-                Reading reading = read(*item);
-                std::lock_guard<std::mutex> lock(progress->mutex);
-                if (!progress->late) {
-                    progress->readings.push_back(std::move(reading));
-                }
+            while (const Item* item = progress->next()) {
+                progress->keep(read(*item));
             }
         }, After(timeout_));
     }

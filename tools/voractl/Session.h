@@ -62,6 +62,7 @@ public:
     bool abandoned() const { return abandoned_; }
 
 private:
+    struct Progress;
     std::vector<Reading> readEach(const std::vector<Item>& items);
     std::vector<Reading> readWithin(const std::vector<Item>& items);
 

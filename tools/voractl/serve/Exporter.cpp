@@ -3,8 +3,8 @@
 #include <time.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cstdio>
+#include <utility>
 
 #include "Format.h"
 #include "Prometheus.h"
@@ -131,45 +131,54 @@ std::string Exporter::ownMetrics(bool up, double took) {
 
 void Exporter::read() {
     const double start = Seconds();
+    std::vector<Reading> readings;  // none while the module is not up
     std::shared_ptr<const Exposition> result;
     std::exception_ptr error;
-    std::vector<Reading> readings;  // none while the module is not up
     try {
-        bool up = false;
-        if (session_.opened()) {
-            readings = readItems();
-            // Up: the board library answered every item of this reading. A
-            // library that starts failing is down, with the items it still
-            // answers published and the others counted as unreadable.
-            up = std::all_of(readings.begin(), readings.end(),
-                             [](const Reading& reading) { return reading.value != nullptr; });
-        }
-        std::string own;
-        {
-            std::lock_guard<std::mutex> lock(shared_);
-            own = ownMetrics(up, Seconds() - start);
-        }
-        result = std::make_shared<const Exposition>(
-            PrometheusText(readings) + AgeGauge(0) + own);
+        result = expose(readings, start);
     } catch (...) {
         error = std::current_exception();
     }
-    // The page's records, when its sampler asked before this reading ended;
-    // one that asks later has the next reading.
-    bool wanted;
+    publish(result, error, pageRecords(readings), start);
+}
+
+std::shared_ptr<const Exposition> Exporter::expose(std::vector<Reading>& readings, double start) {
+    bool up = false;
+    if (session_.opened()) {
+        readings = readItems();
+        // Up: the board library answered every item of this reading. A
+        // library that starts failing is down, with the items it still
+        // answers published and the others counted as unreadable.
+        up = std::all_of(readings.begin(), readings.end(),
+                         [](const Reading& reading) { return reading.value != nullptr; });
+    }
+    std::string own;
     {
         std::lock_guard<std::mutex> lock(shared_);
-        wanted = wantRecords_;
-        wantRecords_ = false;
+        own = ownMetrics(up, Seconds() - start);
     }
-    JsonPtr records;
-    if (wanted) {
-        try {
-            records = Own(ShownRecordsJson(readings));
-        } catch (...) {
-            ReportFailure("cannot sample the board", std::current_exception());
+    return std::make_shared<const Exposition>(PrometheusText(readings) + AgeGauge(0) + own);
+}
+
+JsonPtr Exporter::pageRecords(const std::vector<Reading>& readings) {
+    // When the page's sampler asked before this reading ended; one that
+    // asks later has the next reading.
+    {
+        std::lock_guard<std::mutex> lock(shared_);
+        if (!std::exchange(wantRecords_, false)) {
+            return nullptr;
         }
     }
+    try {
+        return Own(ShownRecordsJson(readings));
+    } catch (...) {
+        ReportFailure("cannot sample the board", std::current_exception());
+        return nullptr;
+    }
+}
+
+void Exporter::publish(const std::shared_ptr<const Exposition>& result, const std::exception_ptr& error,
+                       JsonPtr records, double start) {
     std::vector<Waiting> waiting;
     {
         std::lock_guard<std::mutex> lock(shared_);
@@ -230,17 +239,8 @@ void Exporter::expire() {
     bool logged = false;
     for (;;) {
         const Clock::time_point now = Clock::now();
-        std::vector<Waiting> due;
         Clock::time_point next = Clock::time_point::max();
-        for (auto it = waiting_.begin(); it != waiting_.end();) {
-            if (it->deadline <= now) {
-                due.push_back(std::move(*it));
-                it = waiting_.erase(it);
-            } else {
-                next = std::min(next, it->deadline);
-                ++it;
-            }
-        }
+        std::vector<Waiting> due = takeDue(now, next);
         const double underWay = reading_ ? SecondsOf(now - since_) : 0;
         logged = logged && reading_;
         if (underWay >= kLogAfterSeconds && !logged) {
@@ -251,21 +251,7 @@ void Exporter::expire() {
             next = std::min(next, since_ + std::chrono::seconds(static_cast<int>(kLogAfterSeconds)));
         }
         if (!due.empty()) {
-            std::vector<std::string> own;
-            for (const Waiting& late : due) {
-                own.push_back(ownMetrics(false, SecondsOf(now - late.arrived)));
-            }
-            lock.unlock();
-            const std::string age = AgeGauge(SecondsOf(now - (readings_ > 0 ? finished_ : started_)));
-            for (size_t i = 0; i < due.size(); ++i) {
-                try {
-                    due[i].done(std::make_shared<const Exposition>(PrometheusText({}) + age + own[i]),
-                                nullptr);
-                } catch (...) {
-                    // Each answers for itself.
-                }
-            }
-            lock.lock();
+            answerLate(due, now, lock);
             continue;
         }
         if (ending_) {
@@ -273,6 +259,38 @@ void Exporter::expire() {
         }
         changed_.wait_until(lock, next);
     }
+}
+
+std::vector<Exporter::Waiting> Exporter::takeDue(Clock::time_point now, Clock::time_point& next) {
+    std::vector<Waiting> due;
+    for (auto it = waiting_.begin(); it != waiting_.end();) {
+        if (it->deadline <= now) {
+            due.push_back(std::move(*it));
+            it = waiting_.erase(it);
+        } else {
+            next = std::min(next, it->deadline);
+            ++it;
+        }
+    }
+    return due;
+}
+
+void Exporter::answerLate(const std::vector<Waiting>& due, Clock::time_point now,
+                          std::unique_lock<std::mutex>& lock) {
+    std::vector<std::string> own;
+    for (const Waiting& late : due) {
+        own.push_back(ownMetrics(false, SecondsOf(now - late.arrived)));
+    }
+    const std::string age = AgeGauge(SecondsOf(now - (readings_ > 0 ? finished_ : started_)));
+    lock.unlock();
+    for (size_t i = 0; i < due.size(); ++i) {
+        try {
+            due[i].done(std::make_shared<const Exposition>(PrometheusText({}) + age + own[i]), nullptr);
+        } catch (...) {
+            // Each answers for itself.
+        }
+    }
+    lock.lock();
 }
 
 JsonPtr Exporter::records(Clock::time_point deadline) {
@@ -300,7 +318,6 @@ double Exporter::readingFor() {
 }
 
 std::optional<uint32_t> Exporter::open(Clock::time_point deadline) {
-    std::shared_ptr<uint32_t> status;
     {
         std::lock_guard<std::mutex> lock(shared_);
         if (opened_) {
@@ -310,45 +327,43 @@ std::optional<uint32_t> Exporter::open(Clock::time_point deadline) {
             return std::nullopt;
         }
         opening_ = true;
-        status = std::make_shared<uint32_t>(VORADRV_STATUS_ERROR);
     }
-    auto late = std::make_shared<std::atomic<bool>>(false);
-    const bool answered = calls_.await([this, status, late] {
-        const uint32_t got = session_.tryOpen();
-        std::string document = "null";
-        std::string library = "null";
-        if (got == 0) {
-            document = JsonText(session_.document());
-            if (const auto& bound = session_.library()) {
-                // The board's name, for the page's title: null when none can be read.
-                const Item* board = BoardNameItem(session_.items());
-                const Reading name = board != nullptr ? session_.read(*board) : Reading{};
-                JsonPtr json = Own(json_pack(
-                    "{s:s, s:s, s:s, s:O}", "name", bound->name.c_str(), "generation",
-                    voradrv::host::GenerationText(bound->generation).c_str(), "path", bound->path.c_str(),
-                    "board", name.value ? name.value.get() : json_null()));
-                library = JsonText(json.get());
-            }
-        }
-        std::lock_guard<std::mutex> lock(shared_);
-        opening_ = false;
-        opened_ = got == 0;
-        document_ = std::move(document);
-        library_ = std::move(library);
-        kept_.clear();
-        if (got != 0) {
-            failedAt_ = UnixTime();
-            failure_ = got;
-        } else if (failedAt_ > 0 || *late) {
-            std::fprintf(stderr, "voractl: the module came up\n");
-        }
-        *status = got;
-    }, deadline);
-    if (!answered) {
-        *late = true;  // the job reads it after the status is set: a race only for the message
+    auto status = std::make_shared<uint32_t>(VORADRV_STATUS_ERROR);
+    if (!calls_.await([this, status, deadline] { *status = openModule(deadline); }, deadline)) {
         return std::nullopt;
     }
     return *status;
+}
+
+uint32_t Exporter::openModule(Clock::time_point deadline) {
+    const uint32_t status = session_.tryOpen();
+    std::string document = "null";
+    std::string library = "null";
+    const auto& bound = session_.library();
+    if (status == 0 && bound) {
+        document = JsonText(session_.document());
+        // The board's name, for the page's title: null when none can be read.
+        const Item* board = BoardNameItem(session_.items());
+        const Reading name = board != nullptr ? session_.read(*board) : Reading{};
+        JsonPtr json = Own(json_pack("{s:s, s:s, s:s, s:O}", "name", bound->name.c_str(), "generation",
+                                     voradrv::host::GenerationText(bound->generation).c_str(), "path",
+                                     bound->path.c_str(), "board",
+                                     name.value ? name.value.get() : json_null()));
+        library = JsonText(json.get());
+    }
+    std::lock_guard<std::mutex> lock(shared_);
+    opening_ = false;
+    opened_ = status == 0;
+    document_ = std::move(document);
+    library_ = std::move(library);
+    kept_.clear();
+    if (status != 0) {
+        failedAt_ = UnixTime();
+        failure_ = status;
+    } else if (failedAt_ > 0 || Clock::now() > deadline) {
+        std::fprintf(stderr, "voractl: the module came up\n");
+    }
+    return status;
 }
 
 bool Exporter::opened() {

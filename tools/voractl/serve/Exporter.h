@@ -82,11 +82,26 @@ private:
         Scraped done;
     };
 
-    void read();  // on the module's thread
+    // A reading, on the module's thread: every item in the text format, the
+    // page's records when its sampler asked for them, and the scrapes
+    // waiting for it answered.
+    void read();
+    std::shared_ptr<const Exposition> expose(std::vector<Reading>& readings, double start);
+    vorajson::JsonPtr pageRecords(const std::vector<Reading>& readings);
+    void publish(const std::shared_ptr<const Exposition>& result, const std::exception_ptr& error,
+                 vorajson::JsonPtr records, double start);
     void startReading();  // under shared_
+    // Initialise, on the module's thread; says when the module came up after
+    // failing or after `deadline`, which the caller waited until.
+    uint32_t openModule(Clock::time_point deadline);
     std::vector<Reading> readItems();
     std::string ownMetrics(bool up, double took);
     void expire();  // the thread that answers scrapes at their deadline
+    // Under shared_: the scrapes whose deadline came, and the next deadline.
+    std::vector<Waiting> takeDue(Clock::time_point now, Clock::time_point& next);
+    // Answers them without a reading, with shared_ let go meanwhile.
+    void answerLate(const std::vector<Waiting>& due, Clock::time_point now,
+                    std::unique_lock<std::mutex>& lock);
 
     Session& session_;
     CallThread calls_;

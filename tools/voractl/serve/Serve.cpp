@@ -115,6 +115,19 @@ constexpr double kStartSeconds = 5;
 constexpr double kAnswerSeconds = 2;
 constexpr double kStopSeconds = 5;
 
+// Initialises the module, waiting kStartSeconds at most; says when it did
+// not come up, or has not yet.
+void Start(Exporter& exporter) {
+    const std::optional<uint32_t> status = exporter.open(After(kStartSeconds));
+    if (!status) {
+        std::fprintf(stderr, "voractl: the module's initialise has not answered in %g s; serving "
+                             "voradrv_up 0 until it does\n", kStartSeconds);
+    } else if (*status != 0) {
+        std::fprintf(stderr, "voractl: the module did not come up (%s); serving voradrv_up 0 and "
+                             "trying again\n", StatusText(*status).c_str());
+    }
+}
+
 }  // namespace
 
 int Serve(Context& context) {
@@ -125,14 +138,7 @@ int Serve(Context& context) {
         options.webConfig.empty() ? WebConfig{} : LoadWebConfig(options.webConfig);
     const sigset_t signals = TakeSignals();
     Exporter exporter(context.session);
-    const std::optional<uint32_t> status = exporter.open(After(kStartSeconds));
-    if (!status) {
-        std::fprintf(stderr, "voractl: the module's initialise has not answered in %g s; serving "
-                             "voradrv_up 0 until it does\n", kStartSeconds);
-    } else if (*status != 0) {
-        std::fprintf(stderr, "voractl: the module did not come up (%s); serving voradrv_up 0 and "
-                             "trying again\n", StatusText(*status).c_str());
-    }
+    Start(exporter);
     Clock::time_point end;
     {
         // The page's samples: every --interval seconds (2 by default) while
