@@ -53,6 +53,24 @@ TEST(Request, MetricsFormatFollowsTheScrapersRanking) {
     }
 }
 
+// How long a scrape waits for the board: Prometheus's timeout less a
+// margin, never the whole of it nor less than half; a header that is no
+// positive number (or none) the default's.
+TEST(Request, ScrapeBudgetStaysWithinTheScrapersTimeout) {
+    const struct {
+        const char* header;
+        double seconds;
+    } cases[] = {
+        {nullptr, 9.5}, {"", 9.5}, {"10", 9.5}, {"15", 14.5}, {"1", 0.5}, {"0.5", 0.25},
+        {"0.001", 0.0005}, {"1e9", 119.5}, {" 2", 1.5},
+        {"0", 9.5}, {"-1", 9.5}, {"abc", 9.5}, {"nan", 9.5}, {"inf", 9.5}, {"1e999", 9.5},
+        {"2s", 9.5}, {"1,5", 9.5},
+    };
+    for (const auto& c : cases) {
+        EXPECT_DOUBLE_EQ(ScrapeBudget(c.header), c.seconds) << (c.header ? c.header : "(none)");
+    }
+}
+
 TEST(Request, GzipOnlyWhereTheClientTakesIt) {
     const struct {
         const char* header;
