@@ -257,6 +257,21 @@ def check_recovery(driver):
         exporter.stop()
 
 
+def check_slow(driver):
+    """A board whose reading hangs after two: the page says the board is slow, and how long
+    its reading has taken, rather than that it is not read."""
+    slow = {"board": {"name": "VB-SLOW"}, "sensors": {"temperature": [{"index": 0, "value": 40}]},
+            "faults": [{"function": "VoraBoardGetValue", "arg": "0x20000", "hang": True, "after": 3}]}
+    exporter = Exporter("slow", "4", slow)
+    try:
+        driver.get(exporter.url)
+        if not wait(driver, lambda p: p["body"].get("waiting") == "1" and "is slow" in
+                    driver.find_element("id", "stale").text, 20):
+            fail("slow: the page does not say the board's reading is under way")
+    finally:
+        exporter.stop()
+
+
 def main():
     os.makedirs(ARTIFACTS, exist_ok=True)
     options = webdriver.ChromeOptions()
@@ -269,6 +284,7 @@ def main():
         for board in BOARDS:
             check_board(driver, *board)
         check_recovery(driver)
+        check_slow(driver)
     finally:
         driver.quit()
         for process in running:

@@ -337,15 +337,23 @@ function announce(alarms) {
   }
 }
 
-// Says when the samples stop coming: the exporter gone, or the board not read.
+// Says when the samples stop coming: the exporter gone, the board slower
+// than the interval (a reading under way for longer, as the exporter says),
+// or the board not read.
 function staleness() {
   const limit = Math.max(3 * state.interval, 5) * 1000;
   const stale = Date.now() - state.seen > limit;
+  const slow = !state.failing && state.waiting > 0;
   const note = document.getElementById("stale");
-  note.hidden = !stale;
-  note.textContent = stale ? (state.failing ? "The exporter does not answer" : "The board is not read") +
-    ": no new sample since " + clock(state.seen / 1000) + "; the page tries again by itself." : "";
+  note.hidden = !stale && !slow;
+  const since = "no new sample since " + clock(state.seen / 1000);
+  note.textContent = slow
+    ? "The board is slow: its reading has taken " + Math.round(state.waiting) + " s so far; " + since +
+      ", the next comes when it ends."
+    : stale ? (state.failing ? "The exporter does not answer" : "The board is not read") +
+      ": " + since + "; the page tries again by itself." : "";
   document.body.dataset.stale = stale ? "1" : "0";
+  document.body.dataset.waiting = slow ? "1" : "0";
 }
 
 async function load() {
@@ -376,6 +384,7 @@ async function poll() {
     }
     state.started = answer.started;
     state.interval = answer.interval || state.interval;
+    state.waiting = answer.waiting || 0;
     for (const sample of answer.samples) {
       for (const [id, value] of Object.entries(sample.values)) {
         const chart = state.charts.get(Number(id));
