@@ -34,7 +34,7 @@ uint64_t AllocationsOf(const std::function<uint32_t()>& call) {
 
 }  // namespace
 
-TEST(ReadAllocation, NumericReadsAddNothingToTheLibraryCallAndTextsShow) {
+TEST(ReadAllocation, NumbersAddNothingTextsShow) {
     if (UnderMemcheck()) {
         GTEST_SKIP() << "the allocator is Valgrind's under memcheck";
     }

@@ -63,9 +63,9 @@ const char kUnterminated[] = R"("unterminated": true)";
 const char kHugeLength[] = R"("length": "0xFFFFFFFF")";
 const char kAllOnes[] = R"("value": "0xFFFFFFFF")";
 
-class MisbehavingLibrary : public ::testing::TestWithParam<Case> {};
+class Misbehaving : public ::testing::TestWithParam<Case> {};
 
-TEST_P(MisbehavingLibrary, StaysBounded) {
+TEST_P(Misbehaving, Bounded) {
     const Case& c = GetParam();
     UseSimulator(c.generation, c.profile.empty() ? LargestBoard(c.generation) : c.profile);
     SimControl sim(c.generation);
@@ -113,7 +113,7 @@ TEST_P(MisbehavingLibrary, StaysBounded) {
 // The texts' length query of the third generation answers through a number:
 // "every number" includes it, and with it the pin count (0xFFFFFFFF twice).
 INSTANTIATE_TEST_SUITE_P(
-    Largest, MisbehavingLibrary,
+    Largest, Misbehaving,
     ::testing::Values(
         Case{"Vora4Unterminated", Generation::Vora4, true, kUnterminated},
         Case{"Vora4HugeLength", Generation::Vora4, true, kHugeLength},

@@ -68,7 +68,7 @@ bool AskUntil(Sampler& sampler, Done done) {
     return false;
 }
 
-TEST(Sampler, ReadsNothingUntilAPageAsksThenFromAFreshReading) {
+TEST(Sampler, ReadsOnlyOnceAPageAsks) {
     CountingBoard board;
     Sampler sampler(board.read(), 0.01, 10, 60);
     std::this_thread::sleep_for(100ms);
@@ -83,7 +83,7 @@ TEST(Sampler, ReadsNothingUntilAPageAsksThenFromAFreshReading) {
     EXPECT_GE(json_integer_value(json_object_get(json_array_get(items.get(), 0), "value")), 1);
 }
 
-TEST(Sampler, KeepsTheLastSamplesAndHandsOutOnlyThoseNotSeen) {
+TEST(Sampler, HandsOutOnlySamplesNotSeen) {
     CountingBoard board;
     Sampler sampler(board.read(), 0.01, 3, 60);
     ASSERT_TRUE(AskUntil(sampler, [](const Samples& s) { return s.last() >= 6; }));
@@ -111,7 +111,7 @@ TEST(Sampler, KeepsTheLastSamplesAndHandsOutOnlyThoseNotSeen) {
     EXPECT_EQ(Fetch(sampler, UINT64_MAX).size(), 0u);
 }
 
-TEST(Sampler, StopsReadingWhenPagesStopAskingAndStartsAgainWhenOneAsks) {
+TEST(Sampler, StopsAndRestartsWithThePages) {
     CountingBoard board;
     Sampler sampler(board.read(), 0.01, 10, 0.2);
     ASSERT_TRUE(AskUntil(sampler, [](const Samples& s) { return s.last() >= 2; }));

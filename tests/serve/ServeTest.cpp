@@ -33,7 +33,7 @@ std::string Gunzip(const std::string& packed) {
     return result == Z_STREAM_END ? out : "(not gzip)";
 }
 
-TEST(Exposition, OpenMetricsNamesCounterFamiliesWithoutTotal) {
+TEST(Exposition, OpenMetricsCounterFamilies) {
     const struct {
         const char* text;
         const char* open;
@@ -51,7 +51,7 @@ TEST(Exposition, OpenMetricsNamesCounterFamiliesWithoutTotal) {
     }
 }
 
-TEST(Exposition, EachFormIsBuiltOnceSharedAndOutlivesTheReading) {
+TEST(Exposition, EachFormBuiltOnceAndShared) {
     const std::string text = "# TYPE a_total counter\na_total 1\n";
     auto reading = std::make_shared<const Exposition>(text);
     for (const MetricsFormat format : {MetricsFormat::Text, MetricsFormat::OpenMetrics}) {
@@ -114,7 +114,7 @@ bool Check(Login& login, const std::string& user, const std::string& password) {
     return verdict.get_future().get();
 }
 
-TEST(Login, ChecksOnceKeepsTheVerdictAndRefusesUnknownUsers) {
+TEST(Login, ChecksOnceAndKeepsTheVerdict) {
     Login login(std::map<std::string, std::string>{{"prometheus", kHash}});
     const std::string huge(300, 'x');
     const struct {
