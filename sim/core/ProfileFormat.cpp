@@ -4,9 +4,9 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 
 #include "Profile.h"
+#include "json/JsonPtr.h"
 
 namespace vorasim {
 
@@ -156,7 +156,7 @@ json_t* FormatNetwork(const Board& board) {
 }  // namespace
 
 std::string FormatProfile(const Board& board, const std::vector<Fault>& faults) {
-    const std::unique_ptr<json_t, decltype(&json_decref)> root(json_object(), &json_decref);
+    const vorajson::JsonPtr root(json_object());
     json_object_set_new(root.get(), "board", FormatBoard(board));
     json_object_set_new(root.get(), "sensors", FormatSensors(board));
     json_object_set_new(root.get(), "gpio", FormatPins(board));

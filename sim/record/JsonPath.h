@@ -11,11 +11,12 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "json/JsonPtr.h"
 
 namespace vorarec {
 
@@ -25,10 +26,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-struct ReleaseJson {
-    void operator()(json_t* json) const { json_decref(json); }
-};
-using JsonPtr = std::unique_ptr<json_t, ReleaseJson>;
+using vorajson::JsonPtr;
 
 // Parses a whole JSON text; a key given twice in one object is refused.
 // Throws JsonError: "line 3, column 7: ...".
