@@ -32,7 +32,7 @@ expect "4|3|eapi" --sim-generation ""
 expect "auto|always" --color = a
 expect "prometheus" --sim export --format p
 expect "int|real|string" --sim get --type ""
-expect "--count" --sim watch --c
+expect "--count|--changes" --sim watch --c
 expect "--listen" --sim serve --l
 expect "--interval" --sim serve --i
 expect "list" help li
@@ -46,7 +46,20 @@ expect '"Hardware Monitor/Voltage|"Hardware Monitor/Voltage/VCORE|"Hardware Moni
     --sim watch '"Hardware Monitor/V'
 expect 'GPIO/DO0|GPIO/DO0/Dir|GPIO/DO0/Level|GPIO/DO1|GPIO/DO1/Dir|GPIO/DO1/Level' \
     --sim watch GPIO/DO
-expect "" --sim set GPIO/DO1/Level ""
+# A value: the words of the item's own kind, after ITEM or NAME= alike.
+expect "high|active|low|inactive" --sim set GPIO/DO1/Level ""
+expect "high" --sim set DO1 = h
+expect "in|out" --sim set GPIO4/Dir = ""
+expect "on|off" --sim set LVDS/Backlight = o
+expect "" --sim set Brightness = ""
+# Short names, as voractl takes them: the shortest trailing part that names
+# one item, a pin by its name; a name several items share is not offered.
+expect "Brightness" --sim set Bri
+expect "DO0|DO1" --sim set DO
+expect "DI0/Dir|DI0|DI1/Dir|DI1" --sim get DI
+expect "LVDS/Backlight" --sim set LVDS/B
+expect "" --sim get Lev
+expect "Relay\ K1\ coil\ driver\,\ 24\ V\ iso\*" --sim set Relay
 # set offers only what can be set, after its options too, and a further
 # NAME=VALUE after one.
 expect "GPIO/DO0/Level|GPIO/DO1/Level" --sim set --json GPIO/DO

@@ -1,3 +1,8 @@
+cram's terminal is 80 columns wide; this one is wide enough for the build
+tree's paths, so that they stay on one line:
+
+  $ export COLUMNS=200
+
 What voractl shows of each generation's default simulated board, against
 the golden files in tests/data/golden/ (VTEST_UPDATE_GOLDEN=1 rewrites
 them). The exports are held to promtool's reading of the Prometheus format.
@@ -8,7 +13,7 @@ them). The exports are held to promtool's reading of the Prometheus format.
   > }
   $ for generation in 4 3 eapi; do
   >   vora() { voractl --sim --sim-generation $generation "$@"; }
-  >   vora list | tail -n +2 | golden voractl-list-$generation.txt
+  >   COLUMNS=80 vora list | sed '1,/^Platform Information/{/^Platform Information/!d}' | golden voractl-list-$generation.txt
   >   vora export --format prometheus | golden voractl-export-$generation.prom
   >   vora export --format senml | grep -v '"bt":' | golden voractl-export-$generation.senml.json
   >   vora caps | python3 -c 'import json, sys; print(len(json.load(sys.stdin)), "blocks")'
@@ -36,6 +41,17 @@ them). The exports are held to promtool's reading of the Prometheus format.
     Hardware Monitor       7 items
     GPIO                   12 items
     Backlight              4 items
+
+The largest boards of each generation fit 80 columns too:
+
+  $ for board in vora4-largest:4 vora3-largest:3 eapi-largest:eapi; do
+  >   COLUMNS=80 voractl --sim=$VTEST_SOURCE_DIR/sim/profiles/${board%:*}.json --sim-generation ${board#*:} list |
+  >     sed '1,/^Platform Information/{/^Platform Information/!d}' |
+  >     python3 -c 'import sys; lines = sys.stdin.read().splitlines(); print(len(lines), "lines, widest", max(map(len, lines)))'
+  > done
+  261 lines, widest 79
+  166 lines, widest 76
+  56 lines, widest 77
 
 Every item of the list reads, and reads the same in every form:
 

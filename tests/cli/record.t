@@ -166,8 +166,7 @@ A call the recording lacks answers "not supported", named once:
   vorasim: libVORA-4.00: the recording has no answer to VoraGPIOGetLevel {"id":5,"mask":1}
   module: VORADrv get value: function:GPIO get value failed fffff0ff
   voractl: cannot read GPIO/GPIO5/Level: error (0xFFFFF0FF)
-  GPIO/GPIO5/Dir: out
-  GPIO/GPIO5/Level: N/A
+  N/A
   [1]
 
 --redact keeps only what identifies no board or site (the README's

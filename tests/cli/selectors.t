@@ -1,3 +1,8 @@
+cram's terminal is 80 columns wide; this one is wide enough for the build
+tree's paths, so that they stay on one line:
+
+  $ export COLUMNS=200
+
 Items are named by id (hexadecimal or decimal), by path, or by the last
 parts of their path when they name one item, as gpioget names a line:
 
@@ -61,3 +66,49 @@ read as text (or the reverse) needs --force:
   $ voractl --sim get 0x1020299
   voractl: 0x1020299 is not an item of the capability document (give --type to use it anyway)
   [2]
+
+A GPIO pin, by its name or by its number as list shows it (decimal, 0 to
+255; item ids start at 0x1000000), is its level for get and set, as
+gpioget and gpioset take a line; list and watch show the whole pin:
+
+  $ voractl --sim get DI0
+  high
+  $ voractl --sim get 0 33 DO1 DO1/Dir
+  GPIO/DI0/Level: high
+  GPIO/Front panel button/Level: low
+  GPIO/DO1/Level: high
+  GPIO/DO1/Dir: out
+  $ voractl --sim set DO1=0 5=high && voractl --sim --raw get DO1 GPIO5
+  GPIO/DO1/Level: 0
+  GPIO/GPIO5/Level: 1
+  $ voractl --sim list 33 | sed 1,2d
+      pin  name                dir  level
+       33  Front panel button  in   low    read-only
+  $ for selector in 7 256 0x5 -1 GPIO DO; do voractl --sim set $selector=1; echo "[$?]"; done
+  voractl: no GPIO pin 7 (see voractl list GPIO)
+  [2]
+  voractl: 0x100 is not an item of the capability document (give --type to use it anyway)
+  [2]
+  voractl: 0x5 is not an item of the capability document (give --type to use it anyway)
+  [2]
+  voractl: no item "-1" (see voractl list)
+  [2]
+  voractl: no item "GPIO" (see voractl list)
+  [2]
+  voractl: no item "DO" (see voractl list)
+  [2]
+
+A pin named as a sensor is named: the name fits several things.
+
+  $ cat > pins.json <<'JSON'
+  > {"board": {"name": "VB-1"}, "sensors": {"temperature": [{"index": 0, "name": "CPU", "value": 40}]},
+  >  "gpio": [{"pin": 0, "name": "CPU", "input": true, "output": true, "level": 1}]}
+  > JSON
+  $ voractl --sim=pins.json get CPU
+  voractl: "CPU" names more than one thing; one of:
+    Hardware Monitor/Temperature/CPU (0x1020101)
+    GPIO/CPU/
+  [2]
+  $ voractl --sim=pins.json get GPIO/CPU Temperature/CPU
+  GPIO/CPU/Level: high
+  Hardware Monitor/Temperature/CPU: +40.0 \xc2\xb0C (esc)

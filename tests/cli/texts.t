@@ -1,3 +1,8 @@
+cram's terminal is 80 columns wide; this one is wide enough for the build
+tree's paths, so that they stay on one line:
+
+  $ export COLUMNS=200
+
 Board texts are shown escaped, as ls -b shows names, columns kept; a name
 may be typed as shown; JSON carries them whole, in its own escapes:
 
@@ -45,13 +50,25 @@ may be typed as shown; JSON carries them whole, in its own escapes:
       "name": "CPU\u001B]0;owned\u0007",
       "value": "VB\u001B[31mRED\u0007"
 
-A text of 4 KiB (the third generation's longest) runs past its column:
+A text of 4 KiB (the third generation's longest) goes on over lines of
+its own, whole, and no line is wider than the terminal (COLUMNS, else 80;
+the board library's path, a word longer than a line, left out here):
 
   $ printf '{"board": {"name": "%05000d"}}' 0 > long.json
-  $ voractl --sim=long.json --sim-generation 3 list 'Platform Information' | awk 'NR > 1 { print length }'
-  20
-  4137
-  82
+  $ vora3() { voractl --sim=long.json --sim-generation 3 "$@"; }
+  $ for columns in '' 0 -1 abc 100000 1 60; do
+  >   if [ -z "$columns" ]; then unset COLUMNS; else export COLUMNS=$columns; fi
+  >   vora3 list 'Platform Information' | sed '1,/^Platform Information/{/^Platform Information/!d}' > out.txt
+  >   echo "${columns:-unset}: $(wc -l < out.txt) lines, widest $(awk '{ print length }' out.txt | sort -n | tail -1), $(tr -cd 0 < out.txt | wc -c) zeros"
+  > done
+  unset: 86 lines, widest 80, 4105 zeros
+  0: 86 lines, widest 80, 4105 zeros
+  -1: 86 lines, widest 80, 4105 zeros
+  abc: 86 lines, widest 80, 4105 zeros
+  100000: 3 lines, widest 4137, 4105 zeros
+  1: 133 lines, widest 40, 4105 zeros
+  60: 144 lines, widest 60, 4105 zeros
+  $ export COLUMNS=200
 
 The simulator's messages quote a profile in JSON's escapes; local texts are
 escaped as the board's, invalid UTF-8 too:

@@ -1,3 +1,8 @@
+cram's terminal is 80 columns wide; this one is wide enough for the build
+tree's paths, so that they stay on one line:
+
+  $ export COLUMNS=200
+
 voractl shows the board's true values. On an Embedded API board the library
 answers temperatures in tenths of a kelvin, publishes voltages of different
 blocks under one id, and reads a lit panel as 0:
@@ -119,8 +124,9 @@ answers all ones and a negative rail published from 0 V are flagged too:
       "alarm": true
 
 The alarm is the true value's: an Embedded API temperature of 0 (tenths of
-a kelvin) is -273.1 °C, below the published minimum, also where --raw shows 0:
+a kelvin) is -273.1 °C, below the published minimum, also where --raw shows 0
+beside the limits in the same tenths of a kelvin:
 
   $ echo '{"board": {"name": "VB-1"}, "sensors": {"temperature": [{"index": 0, "raw": "0"}]}}' > cold.json
   $ vora --sim=cold.json --raw list Temperature | tail -1
-      0x1020101  CPU  0  (min = +0.0 \xc2\xb0C, max = +100.0 \xc2\xb0C)  ALARM  read-only (esc)
+      0x1020101  CPU  0  (min = 2731, max = 3731)  ALARM  read-only

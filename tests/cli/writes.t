@@ -15,7 +15,7 @@ module, and read back after:
   voractl: cannot set OOB-Network/OOBNetwork0/Network control to 19: 19 is outside its range 0..18
   [1]
   $ voractl --sim set Brightness=x
-  voractl: cannot set Backlight/LVDS/Brightness to x: "x" is not an integer
+  voractl: cannot set Backlight/LVDS/Brightness to x: "x" is not an integer, a share of its range (50%) or a step (+10, 10%-)
   [1]
   $ voractl --sim set Brightness
   voractl: set takes NAME=VALUE... or ITEM VALUE
@@ -73,13 +73,69 @@ a step from where it is:
   GPIO/GPIO4/Dir: out
   Backlight/LVDS/Brightness: 50
   Backlight/LVDS/Polarity: on
-  $ voractl --sim set Brightness=+10% && voractl --sim get Brightness
-  60
-  $ voractl --sim set Brightness=-10 && voractl --sim get Brightness
-  50
-  $ voractl --sim set Brightness=+60%
-  voractl: cannot set Backlight/LVDS/Brightness to +60%: 110 is outside its range 0..100
-  [1]
+
+brightnessctl's forms: a value, a share of the range, a step before or
+after its number; a step stops at the range's ends. From 50, on the fourth
+generation's panel (0..100) and the third's (10..255), what each form sets,
+or - where it is refused (nothing written):
+
+  $ forms=(60 50% +10 -10 10%- 5+ +10% -100% +100% 0x10 010 500 9 10%%- -5+ +-5 %5 '' ' 5' 1e2
+  >        99999999999999999999 9223372036854775807+ 9223372036854775807%)
+  $ for form in "${forms[@]}"; do
+  >   row=$(printf '%-22s|' "=$form")
+  >   for generation in 4 3; do
+  >     vora() { voractl --sim --sim-generation $generation --quiet "$@"; }
+  >     vora set Brightness=50 && vora set "Brightness=$form" 2>/dev/null && row+=" $(vora get Brightness)" || row+=" -($(vora get Brightness))"
+  >   done
+  >   echo "$row"
+  > done
+  =60                   | 60 60
+  =50%                  | 50 133
+  =+10                  | 60 60
+  =-10                  | 40 40
+  =10%-                 | 40 25
+  =5+                   | 55 55
+  =+10%                 | 60 75
+  =-100%                | 0 10
+  =+100%                | 100 255
+  =0x10                 | 16 16
+  =010                  | 10 10
+  =500                  | -(50) -(50)
+  =9                    | 9 -(50)
+  =10%%-                | -(50) -(50)
+  =-5+                  | -(50) -(50)
+  =+-5                  | -(50) -(50)
+  =%5                   | -(50) -(50)
+  =                     | -(50) -(50)
+  = 5                   | -(50) -(50)
+  =1e2                  | -(50) -(50)
+  =99999999999999999999 | -(50) -(50)
+  =9223372036854775807+ | 100 255
+  =9223372036854775807% | -(50) -(50)
+  $ voractl --sim set Brightness=50 && voractl --sim --sim-generation 3 --sim-reset get Brightness
+  70
+
+info shows an item as brightnessctl info shows a device, its share of the
+range counted from the range's start; --raw in the module's units, limits
+too; a pin is its level:
+
+  $ voractl --sim info Brightness DI0 && voractl --sim --sim-generation 3 info Brightness
+  Item 'Backlight/LVDS/Brightness' (0x1050501):
+  	Current Brightness: 50 (50%) (esc)
+  	Max Brightness: 100 (esc)
+  	Min Brightness: 0 (esc)
+  Item 'GPIO/DI0/Level' (0x1040301):
+  	Current Level: high (esc)
+  Item 'Backlight/VGA/Brightness' (0x1050501):
+  	Current Brightness: 70 (24%) (esc)
+  	Max Brightness: 255 (esc)
+  	Min Brightness: 10 (esc)
+  $ voractl --sim --sim-generation eapi --raw info Temperature/CPU | tail -3
+  	Current CPU: 3189 (46%) (esc)
+  	Max CPU: 3731 (esc)
+  	Min CPU: 2731 (esc)
+  $ voractl --sim info --json Brightness | grep '"percent"'
+    "percent": 50
   $ voractl --sim set --json 'Modified device IP=192.168.001.010'
   {
     "id": 17498117,
@@ -95,6 +151,87 @@ a step from where it is:
   }
   $ voractl --sim get 'Modified device IP'
   192.168.1.10
+
+Addresses, the netmask and the host name are held to their forms before
+anything is sent: a refused one is said with its reason, exits 1 and
+writes nothing (--force sends it anyway, for the board to judge):
+
+  $ before=$(voractl --sim get OOB-Network)
+  $ while IFS='|' read -r name value; do
+  >   reason=$(voractl --sim set "$name=$value" 2>&1); status=$?
+  >   printf '%-28s %s %s\n' "$name=$value" "[$status]" "$(sed -n 's/.*: "[^"]*" is \(not [^(]*\) (.*/\1/p' <<< "$reason")"
+  > done <<'END'
+  > Modified device IP|192.168.1
+  > Modified device IP|192.168.1.256
+  > Modified device IP|192.168.1.10x
+  > Modified device IP| 192.168.1.10
+  > Modified device IP|+1.2.3.4
+  > Modified device IP|1.2.3.4.5
+  > Modified device IP|
+  > Mofified getway IP|999.1.1.1
+  > Modified sub mask|255.0.255.0
+  > Modified sub mask|255.255.255.1
+  > Modified sub mask|256.0.0.0
+  > Network MAC address|00:0b:ab:00:00
+  > Network MAC address|00-0b-ab-00-00-01
+  > Network MAC address|0:0b:ab:00:00:01
+  > Network MAC address|00:0b:ab:00:00:0g
+  > Network host name|-bmc
+  > Network host name|a_b
+  > Network host name|a..b
+  > Network host name|abcdefghijabcdefghijabcdefghij12
+  > END
+  Modified device IP=192.168.1 [1] not an IPv4 address
+  Modified device IP=192.168.1.256 [1] not an IPv4 address
+  Modified device IP=192.168.1.10x [1] not an IPv4 address
+  Modified device IP= 192.168.1.10 [1] not an IPv4 address
+  Modified device IP=+1.2.3.4  [1] not an IPv4 address
+  Modified device IP=1.2.3.4.5 [1] not an IPv4 address
+  Modified device IP=          [1] not an IPv4 address
+  Mofified getway IP=999.1.1.1 [1] not an IPv4 address
+  Modified sub mask=255.0.255.0 [1] not a netmask
+  Modified sub mask=255.255.255.1 [1] not a netmask
+  Modified sub mask=256.0.0.0  [1] not a netmask
+  Network MAC address=00:0b:ab:00:00 [1] not a MAC address
+  Network MAC address=00-0b-ab-00-00-01 [1] not a MAC address
+  Network MAC address=0:0b:ab:00:00:01 [1] not a MAC address
+  Network MAC address=00:0b:ab:00:00:0g [1] not a MAC address
+  Network host name=-bmc       [1] not a host name
+  Network host name=a_b        [1] not a host name
+  Network host name=a..b       [1] not a host name
+  Network host name=abcdefghijabcdefghijabcdefghij12 [1] not a host name
+  $ voractl --sim set "Network host name=$(printf 'bmc\033[2J')"
+  voractl: cannot set OOB-Network/OOBNetwork0/Network host name to bmc\e[2J: "bmc\e[2J" is not a host name (up to 31 letters, digits, "-" and "."; empty clears it)
+  [1]
+  $ [ "$(voractl --sim get OOB-Network)" = "$before" ] && echo nothing written
+  nothing written
+
+info shows the network as ipmitool lan print does, a netmask with its
+prefix length; the numbers of control, status, error code and server type
+are the board library's own, shown as it gives them:
+
+  $ voractl --sim info OOB-Network
+  Network control                : 1
+  Network status                 : 3
+  Network host name              : vb4410-bmc
+  Network MAC address            : 00:0B:AB:12:34:5F
+  Modified device IP             : 192.168.1.10
+  Modified sub mask              : 255.255.255.0 (/24)
+  Modified domain name server IP : 192.168.10.1
+  Mofified getway IP             : 192.168.10.1
+  Current device IP              : 192.168.10.20
+  Current sub mask               : 255.255.255.0 (/24)
+  Current domain name server IP  : 192.168.10.1
+  Current getway IP              : 192.168.10.1
+  Network error code             : 0
+  Server type                    : 1
+  Server domain name             : mgmt.plant2.example.net
+  Server IP/Port                 : 192.168.10.5:623
+  $ voractl --sim set 'Modified sub mask=255.255.0.0' 'Network host name=' 'Network MAC address=00:0B:ab:00:00:02' &&
+  >   voractl --sim get 'Modified sub mask' 'Network host name' 'Network MAC address'
+  OOB-Network/OOBNetwork0/Modified sub mask: 255.255.0.0
+  OOB-Network/OOBNetwork0/Network host name: 
+  OOB-Network/OOBNetwork0/Network MAC address: 00:0B:AB:00:00:02
 
 --force sends a value unchecked; the board decides:
 

@@ -107,6 +107,8 @@ const OptionSpec kDuration{"--duration", nullptr, Takes::Value, "SECONDS", Compl
     [](Options& o, const char* v) { o.duration = Seconds("--duration", v, 0.0, 7 * 86400.0); }};
 const OptionSpec kCount{"--count", nullptr, Takes::Value, "N", Completes::Nothing,
     [](Options& o, const char* v) { o.count = Count(v); }};
+const OptionSpec kChanges{"--changes", nullptr, Takes::Nothing, nullptr, Completes::Nothing,
+    [](Options& o, const char*) { o.changes = true; }};
 const OptionSpec kFormat{"--format", nullptr, Takes::Value, "senml|prometheus", Completes::Words,
     [](Options& o, const char* v) { o.format = Format(v); }};
 const OptionSpec kOutput{"--output", nullptr, Takes::Value, "FILE", Completes::Files,
@@ -156,11 +158,13 @@ const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
         VORACTL_VERSION,
         kUsageHead,
         {
-            {"info", "the module and the board library in use",
-             {{&kJson, "the same as a JSON document"}},
-             {}, 0, 0, nullptr, Arguments::None,
+            {"info", "the module and the board library in use, or items",
+             {{&kJson, "the same as a JSON document (items: their records, with \"percent\")"}},
+             {"[ITEM...]"}, 0, SIZE_MAX, nullptr, Arguments::Items,
              "Show the module in use (its file and version), the board library it bound (its "
-             "file and generation) and how many items each block publishes.",
+             "file and generation) and how many items each block publishes. With ITEMs, each "
+             "as brightnessctl info shows a device: its current value, with its share of the "
+             "published range, and the range's ends.",
              nullptr, Info},
             {"caps", "print the capability document",
              {{&kJson, "the same (the document is JSON in any case)"}},
@@ -205,7 +209,9 @@ const CommandLine& VoractlCommands() {  // NOLINT(readability-function-size)
              {{&kJson, "one JSON document per line and sample: {\"time\", \"items\"}, "
                        "the items as \"list --json\" records with \"changed\""},
               {&kInterval, "seconds between samples (default 2; fractions allowed)"},
-              {&kCount, "stop after N samples (default: until interrupted)"}},
+              {&kCount, "stop after N samples (default: until interrupted)"},
+              {&kChanges, "only what changed, a line each, as gpiomon reports edges: "
+                          "\"rising\" and \"falling\" for a level, else \"changed\""}},
              {"[ITEM|GROUP...]"}, 0, SIZE_MAX, nullptr, Arguments::Groups,
              "Read the items again and again: on a terminal the table is redrawn in place, "
              "otherwise each sample is one line with its time. A value that changed since "

@@ -1,12 +1,17 @@
 #include "Commands.h"
 
+#include <cmath>
 #include <map>
+#include <optional>
 
 #include "BoardLibraries.h"
+#include "Format.h"
 #include "Printable.h"
 #include "Reading.h"
 #include "Table.h"
+#include "TextChecks.h"
 #include "ToolError.h"
+#include "Width.h"
 #include "json/JsonPtr.h"
 
 using voradrv::host::GenerationText;
@@ -63,7 +68,8 @@ std::vector<Item> Requested(Context& context) {
     const Options& options = context.options;
     std::vector<Item> items;
     for (const std::string& selector : options.arguments) {
-        for (const Item& item : Select(context.session.items(), selector, true, options.type.has_value()).items) {
+        const bool typed = options.type.has_value();
+        for (const Item& item : SelectValue(context.session.items(), selector, true, typed).items) {
             bool seen = false;
             for (const Item& other : items) {
                 seen = seen || (other.id == item.id && other.path() == item.path());
@@ -88,9 +94,103 @@ std::vector<Item> Requested(Context& context) {
     return items;
 }
 
-}  // namespace
+// The items `info` is asked for, a pin as its level, each once.
+std::vector<Item> Asked(Context& context) {
+    std::vector<Item> items;
+    for (const std::string& selector : context.options.arguments) {
+        for (const Item& item : SelectValue(context.session.items(), selector, true).items) {
+            bool seen = false;
+            for (const Item& other : items) {
+                seen = seen || (other.id == item.id && other.path() == item.path());
+            }
+            if (!seen) {
+                items.push_back(item);
+            }
+        }
+    }
+    return items;
+}
 
-int Info(Context& context) {
+// Where a ranged reading lies in its range, in whole percent, as
+// brightnessctl shows brightness; none for any other.
+std::optional<long> Percent(const Reading& reading) {
+    const Item& item = *reading.item;
+    if (!reading.value || !json_is_number(reading.value.get()) || !item.ranged() || item.twoState()) {
+        return std::nullopt;
+    }
+    double low = *item.minimum;
+    double high = *item.maximum;
+    const Conversion& conversion = item.kind().conversion;
+    if (reading.bare && reading.libraryUnit && conversion.toLibrary != nullptr) {
+        low = conversion.toLibrary(low);
+        high = conversion.toLibrary(high);
+    }
+    if (high <= low) {
+        return std::nullopt;
+    }
+    return std::lround((json_number_value(reading.value.get()) - low) / (high - low) * 100.0);
+}
+
+// A management network setting as `ipmitool lan print` shows one:
+// "Modified sub mask              : 255.255.255.0 (/24)".
+void NetworkLine(Context& context, const Reading& reading) {
+    const std::string name = Printable(reading.item->name);
+    const std::string value = ShownValue(reading);
+    const std::string note = reading.value ? PrefixNote(*reading.item, value) : "";
+    std::fprintf(context.out, "%s%s : %s%s\n", name.c_str(),
+                 std::string(30 - std::min<size_t>(30, DisplayWidth(name)), ' ').c_str(), value.c_str(),
+                 note.c_str());
+}
+
+// Each item as brightnessctl info shows a device, a network setting as
+// `ipmitool lan print` shows one:
+//   Item 'Backlight/LVDS/Brightness' (0x1050501):
+//   	Current Brightness: 80 (80%)
+//   	Max Brightness: 100
+//   	Min Brightness: 0
+int ItemInfo(Context& context) {
+    const std::vector<Item> items = Asked(context);
+    const std::vector<Reading> readings = context.session.readAll(items);
+    JsonPtr records = Own(RecordsJson(readings));
+    for (size_t i = 0; i < readings.size(); ++i) {
+        const Reading& reading = readings[i];
+        const Item& item = *reading.item;
+        const std::string name = Printable(item.name);
+        const std::optional<long> percent = Percent(reading);
+        if (percent) {
+            json_object_set_new(json_array_get(records.get(), i), "percent", json_integer(*percent));
+        }
+        if (context.options.json) {
+            continue;
+        }
+        if (item.in(Block::Network)) {
+            NetworkLine(context, reading);
+            continue;
+        }
+        std::fprintf(context.out, "Item '%s' (%s):\n\tCurrent %s: %s", Printable(item.path()).c_str(),
+                     IdText(item.id).c_str(), name.c_str(), ShownValue(reading).c_str());
+        std::fprintf(context.out, percent ? " (%ld%%)\n" : "\n", percent.value_or(0));
+        if (item.ranged() && !item.twoState() && item.type != JSON_STRING) {
+            const std::string high = LimitText(item, *item.maximum, reading.bare, reading.libraryUnit);
+            const std::string low = LimitText(item, *item.minimum, reading.bare, reading.libraryUnit);
+            std::fprintf(context.out, "\tMax %s: %s\n\tMin %s: %s\n", name.c_str(), high.c_str(), name.c_str(),
+                         low.c_str());
+        }
+    }
+    if (context.options.json) {
+        PrintJson(context.out, readings.size() == 1 ? json_array_get(records.get(), 0) : records.get());
+    }
+    return ReportFailures(readings);
+}
+
+void PrintWrapped(std::FILE* out, const std::string& label, const std::string& text, size_t width) {
+    for (const std::string& line : Wrapped(label, text, width)) {
+        std::fprintf(out, "%s\n", line.c_str());
+    }
+}
+
+// The module, the board library and the items of each block.
+int ModuleInfo(Context& context) {
     Session& session = context.session;
     std::map<std::string, int> counts;
     std::vector<std::string> blocks;
@@ -117,17 +217,24 @@ int Info(Context& context) {
         PrintJson(context.out, info.get());
         return 0;
     }
-    std::fprintf(context.out, "Module         %s (version %s)\n", Printable(session.modulePath()).c_str(),
-                 version.c_str());
-    std::fprintf(context.out, "Board library  %s\n", LibraryText(session).c_str());
+    const size_t width = OutputWidth(context.out);
+    PrintWrapped(context.out, "Module         ",
+                 Printable(session.modulePath()) + " (version " + version + ")", width);
+    PrintWrapped(context.out, "Board library  ", LibraryText(session), width);
     if (replay != nullptr) {
-        std::fprintf(context.out, "Replaying      %s\n", ReplayText(replay.get()).c_str());
+        PrintWrapped(context.out, "Replaying      ", ReplayText(replay.get()), width);
     }
     for (const std::string& block : blocks) {
         std::fprintf(context.out, "  %-22s %d item%s\n", Printable(block).c_str(), counts[block],
                      counts[block] == 1 ? "" : "s");
     }
     return 0;
+}
+
+}  // namespace
+
+int Info(Context& context) {
+    return context.options.arguments.empty() ? ModuleInfo(context) : ItemInfo(context);
 }
 
 int Caps(Context& context) {
@@ -142,11 +249,13 @@ int List(Context& context) {
         PrintJson(context.out, Own(RecordsJson(readings)).get());
         return ReportFailures(readings);
     }
-    std::fprintf(context.out, "%s\n",
-                 context.style.dim("Board library: " + LibraryText(context.session)).c_str());
     TableColumns columns;
     columns.limits = true;
     columns.pins = !context.options.all;
+    columns.width = OutputWidth(context.out);
+    for (const std::string& line : Wrapped("Board library: ", LibraryText(context.session), columns.width)) {
+        std::fprintf(context.out, "%s\n", context.style.dim(line).c_str());
+    }
     for (const std::string& line : ItemTable(TableRows(readings), columns, context.style)) {
         std::fprintf(context.out, "%s\n", line.c_str());
     }

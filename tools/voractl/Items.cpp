@@ -170,6 +170,15 @@ const TwoStateKind* Item::twoStateKind() const {
     return states == nullptr && key == "bv" ? &kPlainTwoState : states;
 }
 
+const Item* BoardNameItem(const std::vector<Item>& items) {
+    for (const Item& item : items) {
+        if (item.in(Block::Platform) && item.type == JSON_STRING && item.name == "Board name") {
+            return &item;
+        }
+    }
+    return nullptr;
+}
+
 std::vector<Item> CollectItems(const json_t* document) {
     std::vector<Item> items;
     const char* blockName;
@@ -208,6 +217,38 @@ std::optional<uint32_t> ParseId(const std::string& text) {
 
 namespace {
 
+// The number a pin goes by, as `list` shows it and gpioget takes a line's
+// offset: its items' last id byte, less one.
+int PinNumber(const Item& item) { return static_cast<int>(item.id & 0xFF) - 1; }
+
+// The block path of GPIO pin `text` ("0" to "255", in decimal, as `list`
+// shows pins); none for any other text. Item ids start at 0x1000000, so
+// no id is read as a pin.
+std::optional<std::string> PinPath(const std::vector<Item>& items, const std::string& text) {
+    if (text.empty() || text.size() > 3 || text.find_first_not_of("0123456789") != std::string::npos ||
+        std::stoi(text) > 255) {
+        return std::nullopt;
+    }
+    for (const Item& item : items) {
+        if (item.in(Block::Gpio) && !item.group.empty() && PinNumber(item) == std::stoi(text)) {
+            return item.groupPath();
+        }
+    }
+    throw ToolError("no GPIO pin " + text + " (see voractl list GPIO)", true);
+}
+
+// The level of a GPIO pin, when `items` are one pin's items; else null.
+const Item* PinLevel(const std::vector<Item>& items) {
+    const Item* level = nullptr;
+    for (const Item& item : items) {
+        if (!item.in(Block::Gpio) || item.group.empty() || item.groupPath() != items.front().groupPath()) {
+            return nullptr;
+        }
+        level = item.is(Quantity::Level) ? &item : level;
+    }
+    return level;
+}
+
 const std::pair<const char*, json_type> kTypes[] = {
     {"int", JSON_INTEGER}, {"real", JSON_REAL}, {"string", JSON_STRING}};
 
@@ -237,6 +278,9 @@ Selection Select(const std::vector<Item>& items, const std::string& selector, bo
     while (wanted.size() > 1 && wanted.back() == '/') {
         wanted.pop_back();
     }
+    if (const std::optional<std::string> pin = groups ? PinPath(items, wanted) : std::nullopt) {
+        return GroupSelection(items, *pin);
+    }
     if (const std::optional<uint32_t> id = ParseId(wanted)) {
         return SelectId(items, *id, typed);
     }
@@ -255,6 +299,24 @@ Selection Select(const std::vector<Item>& items, const std::string& selector, bo
     }
     throw ToolError("no item" + std::string(groups ? " or group" : "") + " \"" + Printable(selector) +
                     "\" (see voractl list)", true);
+}
+
+Selection SelectValue(const std::vector<Item>& items, const std::string& selector, bool groups, bool typed) {
+    PinPath(items, selector);  // a number that is no pin is said so
+    Selection selection;
+    try {
+        selection = Select(items, selector, true, typed);
+    } catch (const ToolError&) {
+        if (groups) {
+            throw;
+        }
+        return Select(items, selector, false, typed);  // the error of an item alone
+    }
+    if (const Item* level = selection.group ? PinLevel(selection.items) : nullptr) {
+        return {{*level}, false};
+    }
+    // Not a pin: a group only where one is wanted, else the error for it.
+    return selection.group && !groups ? Select(items, selector, false, typed) : selection;
 }
 
 std::vector<Item> SelectAll(const std::vector<Item>& items, const std::vector<std::string>& selectors,

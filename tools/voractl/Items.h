@@ -68,6 +68,9 @@ struct Item {
     }
 };
 
+// The platform information's board name; null when the board publishes none.
+const Item* BoardNameItem(const std::vector<Item>& items);
+
 // Every element of every block, in document order; elements of one group
 // published with one id are one item, named after the last of them.
 std::vector<Item> CollectItems(const json_t* document);
@@ -83,12 +86,19 @@ struct Selection {
 
 // Resolves `selector`: an id; a path, whole or by its trailing parts
 // ("VCORE", "DI0/Level", "Voltage") when they name one item, or else one
-// block or group; with `groups` false, items only. An id the document does
+// block or group; with `groups`, a GPIO pin's number (0 to 255, in
+// decimal) names its pin; with `groups` false, items only. An id the document does
 // not publish is an item only with `typed` (a JSON type to use it with was
 // given). Throws a usage ToolError for a selector that names nothing, or
 // more than one thing (listing them).
 Selection Select(const std::vector<Item>& items, const std::string& selector, bool groups,
                  bool typed = false);
+
+// What `get` and `set` read or write for `selector`: as Select, except
+// that a GPIO pin, named by its name ("DI0") or its number ("0", as `list`
+// shows it), is its level, as gpioget and gpioset take a line.
+Selection SelectValue(const std::vector<Item>& items, const std::string& selector, bool groups,
+                      bool typed = false);
 
 // The items `selectors` name, in document order and each once.
 std::vector<Item> SelectAll(const std::vector<Item>& items, const std::vector<std::string>& selectors,

@@ -12,12 +12,13 @@ namespace {
 constexpr double kZeroCelsius = 2731.0;
 
 double FromTenthsOfKelvin(double tenths) { return std::round(tenths - kZeroCelsius) / 10.0; }
+double ToTenthsOfKelvin(double celsius) { return std::round(celsius * 10.0 + kZeroCelsius); }
 
 const UnitKind kUnits[] = {
     // Sensor readings, shown as `sensors` shows them and named as
     // node_exporter's hwmon collector names them.
     {"Cel", Quantity::Number, {"°C", 1, true}, {"celsius", "degrees Celsius", "Cel"},
-     {"temperature", "Temperature sensor reading"}, {}, {"eapi", FromTenthsOfKelvin}},
+     {"temperature", "Temperature sensor reading"}, {}, {"eapi", FromTenthsOfKelvin, ToTenthsOfKelvin}},
     {"V", Quantity::Number, {"V", 3}, {"volts", "volts", "V"},
      {"voltage", "Voltage sensor reading"}},
     {"A", Quantity::Number, {"A", 3}, {"amperes", "amperes", "A"},
@@ -78,6 +79,39 @@ std::string TwoStateKind::words() const {
         text.replace(text.size() - 2, 2, " or ");
     }
     return text + "1/0";
+}
+
+TextForm TextFormOf(const UnitKind& kind, const std::string& name) {
+    static const std::pair<const char*, TextForm> kLabels[] = {
+        {"Modified sub mask", TextForm::Netmask},
+        {"Current sub mask", TextForm::Netmask},
+        {"Network host name", TextForm::HostName},
+    };
+    for (const auto& [label, form] : kLabels) {
+        if (name == label) {
+            return form;
+        }
+    }
+    return kind.quantity == Quantity::HexText       ? TextForm::Mac
+           : kind.quantity == Quantity::DecimalText ? TextForm::Address
+                                                    : TextForm::Any;
+}
+
+std::string TwoStateWordLines() {
+    std::string lines;
+    for (const UnitKind& kind : kUnits) {
+        if (kind.twoState() == nullptr) {
+            continue;
+        }
+        lines += kind.unit;
+        for (const auto* words : {&kind.states.one, &kind.states.zero}) {
+            for (const char* word : *words) {
+                lines += word != nullptr ? std::string(" ") + word : "";
+            }
+        }
+        lines += "\n";
+    }
+    return lines;
 }
 
 const UnitKind& UnitKindOf(const std::string& unit) {

@@ -68,10 +68,12 @@ struct Sensor {
 };
 
 // On the board library of `generation` the module gives the unit's values
-// in the library's own unit; `toTrue` makes them this unit's.
+// in the library's own unit; `toTrue` makes them this unit's, `toLibrary`
+// this unit's the library's (for limits, which are published in this unit).
 struct Conversion {
     const char* generation = nullptr;
     double (*toTrue)(double) = nullptr;
+    double (*toLibrary)(double) = nullptr;
 };
 
 struct UnitKind {
@@ -87,9 +89,21 @@ struct UnitKind {
     const TwoStateKind* twoState() const { return states.name != nullptr ? &states : nullptr; }
 };
 
+// The form a text setting must have before voractl sends it: the MAC and
+// IPv4 addresses by their units, a netmask and a host name by the labels
+// the network block publishes them with.
+enum class TextForm { Any, Mac, Address, Netmask, HostName };
+
+// The form of the text item `name` of `kind`.
+TextForm TextFormOf(const UnitKind& kind, const std::string& name);
+
 // The row of `unit`; a unit of no row is a number shown with the unit as
 // published, and exported without one.
 const UnitKind& UnitKindOf(const std::string& unit);
+
+// Each two-state unit with the words it takes, a line each: "H/L high
+// active low inactive".
+std::string TwoStateWordLines();
 
 // A two-state value ("bv") whose unit is none of the two-state kinds': 0 and
 // 1 only.

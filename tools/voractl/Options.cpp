@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "Format.h"
+#include "Kinds.h"
 #include "ToolError.h"
 
 namespace voractl {
@@ -146,12 +147,15 @@ std::string CommandNames(const CommandLine& table) {
 // For the shell completion, which asks voractl rather than keep lists of its
 // own: each command with what its arguments are ("voractl --commands"), and
 // each option of voractl or of a command with how it takes its value and
-// the words it takes ("voractl --options [COMMAND]"). Not in the help: no
-// person types them.
+// the words it takes ("voractl --options [COMMAND]"), and each two-state
+// unit's words ("voractl --words"). Not in the help: no person types them.
 [[noreturn]] void PrintCompletion(const CommandLine& table, int argc, char** argv) {
     static const char* const kArguments[] = {"", " groups", " items", " settable", " commands"};
     static const char* const kTakes[] = {"flag", "value", "=value"};
     std::string text;
+    if (std::strcmp(argv[1], "--words") == 0) {
+        Print(TwoStateWordLines());
+    }
     if (std::strcmp(argv[1], "--commands") == 0) {
         if (argc > 2) {
             throw ToolError("--commands takes no arguments", true);
@@ -323,7 +327,8 @@ std::string HelpText(const CommandSpec& command) {
 }
 
 Options ParseOptions(int argc, char** argv, const CommandLine& table) {
-    if (argc > 1 && (std::strcmp(argv[1], "--commands") == 0 || std::strcmp(argv[1], "--options") == 0)) {
+    if (argc > 1 && (std::strcmp(argv[1], "--commands") == 0 || std::strcmp(argv[1], "--options") == 0 ||
+                     std::strcmp(argv[1], "--words") == 0)) {
         PrintCompletion(table, argc, argv);
     }
     Options options;

@@ -36,6 +36,7 @@ struct Options {
     double interval = 2.0;       // watch, record, serve --interval, seconds
     double duration = 0.0;       // record --duration, seconds; 0: one reading
     long count = 0;              // watch --count; 0: until interrupted
+    bool changes = false;        // watch --changes: only what changed, as gpiomon reports edges
     std::string format;          // export --format
     std::string output;          // export, record --output; empty: standard output
     bool redact = false;         // record --redact

@@ -20,6 +20,7 @@ struct Reading {
     vorajson::JsonPtr raw;    // the module's, when it differs from `value`
     uint32_t status = 0;                   // the module's answer
     bool bare = false;                     // shown as the module's number (--raw)
+    bool libraryUnit = false;              // the module's number is in the library's unit
     bool alarm = false;                    // the true value lies outside the published range
 };
 

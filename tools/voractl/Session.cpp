@@ -86,6 +86,7 @@ Reading Session::read(const Item& item) {
     Reading reading;
     reading.item = &item;
     reading.bare = truth_.raw();
+    reading.libraryUnit = truth_.libraryUnit(item);
     JsonPtr value = Own(EmptyValue(item.type));
     {
         ModuleOutput::Catch caught(output_);

@@ -1,6 +1,7 @@
 #include "Table.h"
 
 #include <algorithm>
+#include <map>
 
 #include "Format.h"
 #include "Printable.h"
@@ -30,19 +31,15 @@ std::string AccessText(const std::string& access) {
 
 // "(min = 0.000 V, max = 50.000 V)" for a ranged number, as `sensors` shows
 // limits; "" for anything else.
-std::string Limits(const Item& item) {
+std::string Limits(const Item& item, bool bare = false, bool libraryUnit = false) {
     if (!item.ranged() || item.twoState() || item.type == JSON_STRING) {
         return "";
     }
-    JsonPtr minimum = Own(json_real(*item.minimum));
-    JsonPtr maximum = Own(json_real(*item.maximum));
-    if (item.type == JSON_INTEGER) {
-        minimum = Own(json_integer(static_cast<json_int_t>(*item.minimum)));
-        maximum = Own(json_integer(static_cast<json_int_t>(*item.maximum)));
-    }
-    return "(min = " + DisplayValue(minimum.get(), item) +
-           ", max = " + DisplayValue(maximum.get(), item) + ")";
+    return "(min = " + LimitText(item, *item.minimum, bare, libraryUnit) +
+           ", max = " + LimitText(item, *item.maximum, bare, libraryUnit) + ")";
 }
+
+std::string Limits(const TableRow& row) { return Limits(*row.item, row.bare, row.libraryUnit); }
 
 // A GPIO pin's two rows, direction then level, as one: its number and name,
 // both values, and which of them cannot be set.
@@ -84,7 +81,7 @@ std::string AccessMarks(const Item& item) {
     return marks;
 }
 
-// The widths of the table's columns, over all its rows.
+// The widths of the table's columns, over the rows they are measured on.
 struct Widths {
     size_t id = 0;
     size_t name = 0;
@@ -93,17 +90,42 @@ struct Widths {
     bool alarms = false;  // a column for the marks of alarms
 };
 
-Widths Measure(const std::vector<TableRow>& rows, const TableColumns& columns) {
-    Widths widths;
+// The widest name a row gets in `width` columns, leaving room for a value:
+// longer ones are shortened with "…" (values never are).
+size_t NameRoom(size_t width) {
+    constexpr size_t kBeforeName = 4 + 9 + 2;
+    constexpr size_t kForValue = 2 + 24;
+    return width > kBeforeName + kForValue + 12 ? width - kBeforeName - kForValue : 12;
+}
+
+void Measure(const TableRow& row, const TableColumns& columns, Widths& widths) {
+    widths.alarms = widths.alarms || row.alarm;
+    widths.id = std::max(widths.id, IdText(row.item->id).size());
+    size_t name = DisplayWidth(Printable(row.item->name));
+    if (columns.pins && row.item->in(Block::Gpio)) {
+        name = std::max(name, DisplayWidth(Printable(row.item->group)));
+    }
+    widths.name = std::max(widths.name, std::min(name, NameRoom(columns.width)));
+    widths.value = std::max(widths.value, std::min(DisplayWidth(row.value), kWidestValue));
+    widths.limits = std::max(widths.limits, DisplayWidth(Limits(row)));
+}
+
+// What a row's columns are measured with when the table does not fit as a
+// whole: a pin with the other pins, any other item with its group, as
+// `sensors` aligns each chip's readings by themselves.
+std::string Segment(const Item& item, const TableColumns& columns) {
+    return columns.pins && item.in(Block::Gpio) ? item.block : item.groupPath();
+}
+
+// The widths of each row: the whole table's, or with `grouped` its segment's.
+std::vector<Widths> RowWidths(const std::vector<TableRow>& rows, const TableColumns& columns, bool grouped) {
+    std::map<std::string, Widths> segments;
     for (const TableRow& row : rows) {
-        widths.alarms = widths.alarms || row.alarm;
-        widths.id = std::max(widths.id, IdText(row.item->id).size());
-        widths.name = std::max(widths.name, DisplayWidth(Printable(row.item->name)));
-        if (columns.pins && row.item->in(Block::Gpio)) {
-            widths.name = std::max(widths.name, DisplayWidth(Printable(row.item->group)));
-        }
-        widths.value = std::max(widths.value, std::min(DisplayWidth(row.value), kWidestValue));
-        widths.limits = std::max(widths.limits, DisplayWidth(Limits(*row.item)));
+        Measure(row, columns, segments[grouped ? Segment(*row.item, columns) : ""]);
+    }
+    std::vector<Widths> widths;
+    for (const TableRow& row : rows) {
+        widths.push_back(segments[grouped ? Segment(*row.item, columns) : ""]);
     }
     return widths;
 }
@@ -113,101 +135,207 @@ std::string Trimmed(std::string line) {
     return line;
 }
 
+// A column of a row after its name: what is shown, as wide as `plain`,
+// padded to `column` when more follows on its line.
+struct Cell {
+    std::string shown;
+    std::string plain;
+    size_t column = 0;
+    size_t gap = 2;  // blanks before it
+};
+
+// A row to lay out: what comes before its value, then its cells.
+struct Laid {
+    std::string head;
+    size_t headWidth = 0;
+    std::vector<Cell> cells;
+};
+
+Cell Plain(const std::string& text, size_t column = 0) { return {text, text, column}; }
+
+// A cell too wide for any line, in pieces of at most `room` characters,
+// broken at blanks and a word longer than that within it; colour is
+// dropped so that no piece holds half an escape sequence.
+std::vector<Cell> Pieces(const Cell& cell, size_t room) {
+    static const size_t kEllipsis = std::string("…").size();
+    std::vector<Cell> pieces;
+    for (std::string rest : Wrapped("", cell.plain, room)) {
+        while (DisplayWidth(rest) > room) {
+            const std::string piece = Shortened(rest, room + 1);
+            pieces.push_back(Plain(piece.substr(0, piece.size() - kEllipsis)));
+            rest.erase(0, pieces.back().plain.size());
+        }
+        pieces.push_back(Plain(rest));
+    }
+    return pieces;
+}
+
+// Lays out `row` in lines of at most `width` characters: a cell that does
+// not fit in its column follows the one before it, and one that does not
+// fit at all goes on a further line, under the value.
+void Flow(const Laid& row, size_t width, std::vector<std::string>& lines) {
+    const size_t hang = row.headWidth + 16 <= width ? row.headWidth : 8;
+    const size_t room = width > hang ? width - hang : 1;
+    std::string line = row.head;
+    size_t used = row.headWidth;
+    size_t pad = 0;  // what the cell before still owes its column
+    bool first = true;
+    for (const Cell& whole : row.cells) {
+        const std::vector<Cell> cells = DisplayWidth(whole.plain) > room ? Pieces(whole, room) : std::vector<Cell>{whole};
+        for (const Cell& cell : cells) {
+            const size_t wide = DisplayWidth(cell.plain);
+            if (wide == 0 && !first) {
+                pad += cell.gap + cell.column;  // an empty column: only its width
+                continue;
+            }
+            size_t gap = first ? 0 : cell.gap + pad;
+            // Out of its column rather than onto a line of its own.
+            gap = used + gap + wide > width && !first ? cell.gap : gap;
+            if (used + gap + wide > width && used > hang) {
+                lines.push_back(Trimmed(line));
+                line = std::string(hang, ' ');
+                used = hang;
+                gap = 0;
+            }
+            line += std::string(gap, ' ') + cell.shown;
+            used += gap + wide;
+            pad = cell.column - std::min(cell.column, wide);
+            first = false;
+        }
+    }
+    lines.push_back(Trimmed(line));
+}
+
 // "      0  DI0    in   high   read-only": a pin as gpioinfo shows a line.
-std::string PinLine(const Pin& pin, const Widths& widths, const Style& style) {
+Laid PinRow(const Pin& pin, const Widths& widths, const Style& style) {
     const Item& item = *pin.direction->item;
     const std::string number = std::to_string((item.id & 0xFF) - 1);
-    const std::string name = Printable(item.group);
-    std::string line = "    " + std::string(3 - std::min<size_t>(3, number.size()), ' ') + number +
-                       "  " + Padded(name, name, widths.name) + "  " +
-                       Padded(pin.direction->value, pin.direction->value, 3) + "  " +
-                       Padded(pin.level->value, pin.level->value, 5);
+    const std::string name = Shortened(Printable(item.group), widths.name);
+    Laid row;
+    row.head = "    " + std::string(3 - std::min<size_t>(3, number.size()), ' ') + number + "  " +
+               Padded(name, name, widths.name) + "  ";
+    row.headWidth = 4 + std::max<size_t>(3, number.size()) + 2 + widths.name + 2;
+    row.cells = {Plain(pin.direction->value, 3), Plain(pin.level->value, 5)};
+    if (pin.direction->alarm || pin.level->alarm) {
+        row.cells.push_back({style.failed("ALARM"), "ALARM"});
+    }
     const std::string marks = PinMarks(pin);
-    line += pin.direction->alarm || pin.level->alarm ? "  " + style.failed("ALARM") : "";
-    line += marks.empty() ? "" : "  " + style.dim(marks);
-    return Trimmed(line);
+    if (!marks.empty()) {
+        row.cells.push_back({style.dim(marks), marks});
+    }
+    return row;
+}
+
+// "    0x1020201  VCORE  " before the cells of an item's row.
+void ItemHead(const Item& item, const TableColumns& columns, const Widths& widths, const Style& style,
+              Laid& laid) {
+    laid.head = "    ";
+    laid.headWidth = 4;
+    if (columns.id) {
+        const std::string id = IdText(item.id);
+        laid.head += Padded(style.dim(id), id, widths.id) + "  ";
+        laid.headWidth += widths.id + 2;
+    }
+    const std::string name = Shortened(Printable(item.name), widths.name);
+    laid.head += Padded(name, name, widths.name) + "  ";
+    laid.headWidth += widths.name + 2;
 }
 
 // "    0x1020201  VCORE  1.050 V  (min = 0.000 V, max = 50.000 V)  read-only"
-std::string ItemLine(const TableRow& row, const TableColumns& columns, const Widths& widths,
-                     const Style& style) {
+Laid ItemRow(const TableRow& row, const TableColumns& columns, const Widths& widths, const Style& style) {
     const Item& item = *row.item;
-    std::string line = "    ";
-    if (columns.id) {
-        const std::string id = IdText(item.id);
-        line += Padded(style.dim(id), id, widths.id) + "  ";
-    }
-    const std::string name = Printable(item.name);
-    line += Padded(name, name, widths.name) + "  ";
+    Laid laid;
+    ItemHead(item, columns, widths, style, laid);
     const std::string value = row.failed    ? style.failed(row.value)
                               : row.changed ? style.changed(row.value)
                                             : row.value;
-    line += Padded(value, row.value, widths.value);
-    if (columns.changed) {
-        line += row.changed ? " *" : "  ";
-    }
+    const std::string mark = columns.changed ? (row.changed ? " *" : "  ") : "";
+    laid.cells.push_back({value + mark, row.value + mark, widths.value + mark.size(), 0});
     if (columns.limits && widths.limits > 0) {
-        const std::string limits = Limits(item);
-        line += "  " + Padded(limits, limits, widths.limits);
+        laid.cells.push_back(Plain(Limits(row), widths.limits));
     }
     // After the limits, as `sensors` marks a reading outside them.
     if (widths.alarms) {
-        line += row.alarm ? "  " + style.failed("ALARM") : "       ";
+        laid.cells.push_back(row.alarm ? Cell{style.failed("ALARM"), "ALARM", 5} : Plain("", 5));
     }
     const std::string marks = columns.access ? AccessMarks(item) : "";
-    line += marks.empty() ? "" : "  " + style.dim(marks);
-    return Trimmed(line);
+    if (!marks.empty()) {
+        laid.cells.push_back({style.dim(marks), marks});
+    }
+    return laid;
+}
+
+// The headings above the row at `i`: its block's (and the pins' column
+// names), or its group's.
+void Headings(const std::vector<TableRow>& rows, size_t i, const Item* previous, bool pinRow,
+              const Widths& widths, const Style& style, std::vector<std::string>& lines) {
+    const Item& item = *rows[i].item;
+    if (previous == nullptr || previous->block != item.block) {
+        lines.push_back(style.heading(item.block.empty() ? "Other items" : Printable(item.block)));
+        previous = nullptr;
+        if (pinRow) {
+            lines.push_back(style.dim("    pin  " + Padded("name", "name", widths.name) + "  dir  level"));
+        }
+    }
+    if (!pinRow && !item.group.empty() && (previous == nullptr || previous->group != item.group)) {
+        lines.push_back("  " + style.subheading(Printable(item.group)));
+    }
+}
+
+// The table's lines with each row's widths; false when a row takes more
+// than one line.
+bool Render(const std::vector<TableRow>& rows, const TableColumns& columns, const Style& style,
+            const std::vector<Widths>& widths, std::vector<std::string>& lines) {
+    const Item* previous = nullptr;
+    bool fits = true;
+    for (size_t i = 0; i < rows.size(); ++i) {
+        Pin pin;
+        const bool pinRow = columns.pins && PinAt(rows, i, pin);
+        Headings(rows, i, previous, pinRow, widths[i], style, lines);
+        const size_t before = lines.size();
+        Flow(pinRow ? PinRow(pin, widths[i], style) : ItemRow(rows[i], columns, widths[i], style),
+             columns.width, lines);
+        fits = fits && lines.size() == before + 1;
+        previous = pinRow ? pin.level->item : rows[i].item;
+        i += pinRow ? 1 : 0;
+    }
+    return fits;
 }
 
 }  // namespace
 
-size_t DisplayWidth(const std::string& text) {
-    size_t width = 0;
-    for (unsigned char c : text) {
-        width += (c & 0xC0) != 0x80 ? 1 : 0;
-    }
-    return width;
-}
-
 std::vector<TableRow> TableRows(const std::vector<Reading>& readings) {
     std::vector<TableRow> rows;
     for (const Reading& reading : readings) {
-        rows.push_back(TableRow{reading.item, ShownValue(reading), !reading.value, false, reading.alarm});
+        rows.push_back(TableRow{reading.item, ShownValue(reading), !reading.value, false, reading.alarm,
+                                reading.bare, reading.libraryUnit});
     }
     return rows;
 }
 
 std::vector<std::string> ItemTable(const std::vector<TableRow>& rows, const TableColumns& columns,
                                    const Style& style) {
-    const Widths widths = Measure(rows, columns);
     std::vector<std::string> lines;
-    const Item* previous = nullptr;
-    for (size_t i = 0; i < rows.size(); ++i) {
-        const Item& item = *rows[i].item;
-        Pin pin;
-        const bool pinRow = columns.pins && PinAt(rows, i, pin);
-        if (previous == nullptr || previous->block != item.block) {
-            lines.push_back(style.heading(item.block.empty() ? "Other items" : Printable(item.block)));
-            previous = nullptr;
-            if (pinRow) {
-                lines.push_back(style.dim("    pin  " + Padded("name", "name", widths.name) + "  dir  level"));
-            }
-        }
-        if (pinRow) {
-            lines.push_back(PinLine(pin, widths, style));
-            previous = pin.level->item;
-            ++i;
-            continue;
-        }
-        if (!item.group.empty() && (previous == nullptr || previous->group != item.group)) {
-            lines.push_back("  " + style.subheading(Printable(item.group)));
-        }
-        previous = &item;
-        lines.push_back(ItemLine(rows[i], columns, widths, style));
+    if (!Render(rows, columns, style, RowWidths(rows, columns, false), lines)) {
+        lines.clear();
+        Render(rows, columns, style, RowWidths(rows, columns, true), lines);
     }
     return lines;
 }
 
-std::string LimitsText(const Item& item) { return Limits(item); }
+std::string LimitText(const Item& item, double limit, bool bare, bool libraryUnit) {
+    const Conversion& conversion = item.kind().conversion;
+    if (bare && libraryUnit && conversion.toLibrary != nullptr) {
+        limit = conversion.toLibrary(limit);
+    }
+    const JsonPtr value = Own(item.type == JSON_INTEGER || (bare && libraryUnit)
+                                  ? json_integer(static_cast<json_int_t>(limit))
+                                  : json_real(limit));
+    return bare ? ValueText(value.get()) : DisplayValue(value.get(), item);
+}
+
+std::string LimitsText(const Item& item, bool bare, bool libraryUnit) {
+    return Limits(item, bare, libraryUnit);
+}
 
 }  // namespace voractl

@@ -21,6 +21,8 @@ bool Converted(const std::string& generation, const Item& item) {
 
 }  // namespace
 
+bool Truth::libraryUnit(const Item& item) const { return Converted(generation_, item); }
+
 bool Truth::converts(const Item& item) const {
     return !raw_ && (Converted(generation_, item) || Inverted(generation_, item));
 }

@@ -31,6 +31,9 @@ public:
     bool alarm(const Item& item, const json_t* read) const;
     // True when `item`'s values are converted.
     bool converts(const Item& item) const;
+    // True when the module gives `item`'s values in the library's own unit
+    // rather than the published one, --raw or not.
+    bool libraryUnit(const Item& item) const;
     // True when every value is the module's (--raw).
     bool raw() const { return raw_; }
 

@@ -79,12 +79,22 @@ bool Differs(const Reading& now, const Reading* before) {
     return !json_equal(now.value.get(), before->value.get());
 }
 
+// "rising" or "falling" for a level that went high or low, else "changed".
+const char* Edge(const Reading& now, const Reading& before) {
+    if (now.item->is(Quantity::Level) && now.value && before.value && json_is_integer(now.value.get())) {
+        const json_int_t level = json_integer_value(now.value.get());
+        return level == 1 ? "rising" : level == 0 ? "falling" : "changed";
+    }
+    return "changed";
+}
+
 // Takes the samples and shows them.
 class Watcher {
 public:
     Watcher(Context& context, std::vector<Item> items)
         : context_(context), items_(std::move(items)), labels_(Labels(items_)),
-          interval_(context.options.interval), redraw_(!context.options.json && Terminal(context.out)) {}
+          interval_(context.options.interval),
+          redraw_(!context.options.json && !context.options.changes && Terminal(context.out)) {}
 
     // Draws one sample; false when the output is gone.
     bool sample() {
@@ -100,7 +110,9 @@ public:
         for (size_t i = 0; i < readings.size(); ++i) {
             changed.push_back(Differs(readings[i], previous_.empty() ? nullptr : &previous_[i]));
         }
-        if (context_.options.json) {
+        if (context_.options.changes) {
+            printChanges(readings, changed);
+        } else if (context_.options.json) {
             printJson(readings, changed);
         } else if (redraw_) {
             printScreen(readings, changed);
@@ -134,6 +146,29 @@ private:
                                        items.get()));
         json_dumpf(sample.get(), context_.out, JSON_COMPACT | JSON_REAL_PRECISION(15));
         std::fputc('\n', context_.out);
+    }
+
+    // What changed since the sample before, a line (or JSON record) each, as
+    // gpiomon reports a line's edges:
+    //   2026-11-21T14:16:55.832+00:00  rising   DI0/Level=high
+    void printChanges(const std::vector<Reading>& readings, const std::vector<bool>& changed) {
+        const std::string time = Timestamp();
+        for (size_t i = 0; i < readings.size(); ++i) {
+            if (!changed[i]) {
+                continue;
+            }
+            const char* edge = Edge(readings[i], previous_[i]);
+            if (context_.options.json) {
+                JsonPtr record = Own(ReadingJson(readings[i]));
+                json_object_set_new(record.get(), "time", json_string(time.c_str()));
+                json_object_set_new(record.get(), "edge", json_string(edge));
+                json_dumpf(record.get(), context_.out, JSON_COMPACT | JSON_REAL_PRECISION(15));
+                std::fputc('\n', context_.out);
+            } else {
+                std::fprintf(context_.out, "%s  %-7s  %s=%s%s\n", time.c_str(), edge, labels_[i].c_str(),
+                             ShownValue(readings[i]).c_str(), readings[i].alarm ? " ALARM" : "");
+            }
+        }
     }
 
     void printLine(const std::vector<Reading>& readings, const std::vector<bool>& changed) {

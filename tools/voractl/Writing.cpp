@@ -4,11 +4,13 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <algorithm>
 #include <optional>
 
 #include "Format.h"
 #include "Printable.h"
 #include "Reading.h"
+#include "TextChecks.h"
 #include "ToolError.h"
 #include "json/JsonPtr.h"
 
@@ -70,33 +72,85 @@ JsonPtr ParseState(const TwoStateKind& kind, const std::string& text, bool force
     return Own(json_integer(number));
 }
 
-// An integer; for a ranged one also a share of its range (50%) or a step
-// from its present value (+10%, -10), as brightnessctl takes brightness.
-JsonPtr ParseNumber(Session& session, const Item& item, const std::string& text, bool force,
-                    std::string& refusal) {
-    const bool relative = item.ranged() && !text.empty() && (text[0] == '+' || text[0] == '-');
-    const bool percent = item.ranged() && !text.empty() && text.back() == '%';
+// A ranged number as brightnessctl takes brightness: a value or a share of
+// the range ("50%"), or a step from the present value before or after it
+// ("+10", "-10%", "10%-", "5+"); one sign, one "%" and a whole number.
+struct Amount {
     long long number = 0;
-    if (!ParseInteger(percent ? text.substr(0, text.size() - 1) : text, number)) {
-        return Refuse(refusal, "\"" + text + "\" is not an integer");
+    bool percent = false;
+    int step = 0;  // +1 or -1 for a step, 0 for a value
+};
+
+std::optional<Amount> ParseAmount(std::string text) {
+    Amount amount;
+    if (!text.empty() && (text.back() == '+' || text.back() == '-')) {
+        amount.step = text.back() == '+' ? 1 : -1;
+        text.pop_back();
+    } else if (!text.empty() && (text.front() == '+' || text.front() == '-')) {
+        amount.step = text.front() == '+' ? 1 : -1;
+        text.erase(0, 1);
     }
-    const double span = item.ranged() ? *item.maximum - *item.minimum : 0.0;
-    double value = percent ? std::round(span * static_cast<double>(number) / 100.0)
-                           : static_cast<double>(number);
-    if (!relative && percent) {
-        value += *item.minimum;
-    } else if (relative) {
+    if (!text.empty() && text.back() == '%') {
+        amount.percent = true;
+        text.pop_back();
+    }
+    // Decimal, "010" too (never octal), or hexadecimal after "0x".
+    const bool hex = text.size() > 2 && (text.compare(0, 2, "0x") == 0 || text.compare(0, 2, "0X") == 0);
+    const std::string digits = hex ? text.substr(2) : text;
+    char* end = nullptr;
+    errno = 0;
+    amount.number = std::strtoll(digits.c_str(), &end, hex ? 16 : 10);
+    if (digits.empty() || digits.find_first_not_of(hex ? "0123456789abcdefABCDEF" : "0123456789") !=
+                              std::string::npos || errno != 0) {
+        return std::nullopt;
+    }
+    return amount;
+}
+
+// The value `amount` stands for on ranged `item`: a step is taken from the
+// present value and stops at the range's ends, as brightnessctl's do.
+JsonPtr RangedValue(Session& session, const Item& item, const Amount& amount, std::string& refusal) {
+    const double span = *item.maximum - *item.minimum;
+    double value = static_cast<double>(amount.number);
+    if (amount.percent) {
+        value = std::round(span * value / 100.0) + (amount.step == 0 ? *item.minimum : 0.0);
+    }
+    if (amount.step != 0) {
         const Reading present = session.read(item);
         if (!present.value) {
             return Refuse(refusal, "its present value cannot be read (" + StatusText(present.status) + ")");
         }
-        value += json_number_value(present.value.get());
+        value = json_number_value(present.value.get()) + amount.step * value;
+        value = std::min(std::max(value, *item.minimum), *item.maximum);
     }
-    // A range the document publishes is checked with the rest (Forbidden).
-    if (!force && !item.ranged() && (value < 0 || value > 4294967295.0)) {
-        return Refuse(refusal, Number(value) + " does not fit the item's 32-bit range");
+    // Beyond any item's 32 bits, and beyond what an integer holds exactly.
+    if (!(std::fabs(value) < 1e15)) {
+        return Refuse(refusal, Number(value) + " is outside its range " + Number(*item.minimum) + ".." +
+                                   Number(*item.maximum));
     }
     return Own(json_integer(static_cast<json_int_t>(value)));
+}
+
+// An integer; for a ranged one also a share of its range or a step.
+JsonPtr ParseNumber(Session& session, const Item& item, const std::string& text, bool force,
+                    std::string& refusal) {
+    if (item.ranged()) {
+        const std::optional<Amount> amount = ParseAmount(text);
+        if (!amount) {
+            return Refuse(refusal, "\"" + text + "\" is not an integer, a share of its range (50%) "
+                                   "or a step (+10, 10%-)");
+        }
+        // A range the document publishes is checked with the rest (Forbidden).
+        return RangedValue(session, item, *amount, refusal);
+    }
+    long long number = 0;
+    if (!ParseInteger(text, number)) {
+        return Refuse(refusal, "\"" + text + "\" is not an integer");
+    }
+    if (!force && (number < 0 || number > 4294967295LL)) {
+        return Refuse(refusal, std::to_string(number) + " does not fit the item's 32-bit range");
+    }
+    return Own(json_integer(static_cast<json_int_t>(number)));
 }
 
 // The true value `text` stands for on `item`, its present value (read
@@ -104,7 +158,8 @@ JsonPtr ParseNumber(Session& session, const Item& item, const std::string& text,
 JsonPtr Parse(Session& session, const Item& item, const std::string& text, bool force,
               std::string& refusal) {
     if (item.type == JSON_STRING) {
-        return Own(json_string(text.c_str()));
+        const std::string refused = force ? "" : TextRefusal(item, text);
+        return refused.empty() ? Own(json_string(text.c_str())) : Refuse(refusal, refused);
     }
     if (item.type == JSON_REAL) {
         return ParseReal(text, refusal);
@@ -196,7 +251,7 @@ json_t* Record(const Reading& reading, const Planned& planned, const char* outco
 Planned Plan(Session& session, const Options& options, const std::string& selector,
              const std::string& text) {
     Planned planned;
-    planned.item = Select(session.items(), selector, false, options.type.has_value()).items.front();
+    planned.item = SelectValue(session.items(), selector, false, options.type.has_value()).items.front();
     planned.text = text;
     if (options.type) {
         if (*options.type != planned.item.type && !options.force && !planned.item.block.empty()) {

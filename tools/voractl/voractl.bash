@@ -23,9 +23,13 @@ _voractl_words() {
 }
 
 # Item paths, one a line: with "groups" every block and group path too,
-# with "settable" only items that can be set. voractl's own options on the
-# line that take a value (the module, the simulated board) are passed on;
-# flags, which change nothing there or change the board, are not.
+# with "settable" only items that can be set, with "units" each settable
+# item's names, a tab and its unit. An item is also offered by the shortest
+# of its trailing parts that names nothing else ("Brightness" for
+# "Backlight/LVDS/Brightness"), a pin's level by the pin's name ("DO1"), as
+# voractl takes them. voractl's own options on the line that take a value
+# (the module, the simulated board) are passed on; flags, which change
+# nothing there or change the board, are not.
 _voractl_paths() {
     local -a options=()
     local i word
@@ -41,16 +45,67 @@ _voractl_paths() {
     "${_voractl_line[0]}" "${options[@]}" --quiet list --json 2>/dev/null |
         awk -v want="${1:-}" '
             function text(line) { sub(/^ *"[a-z]+": "/, "", line); sub(/",?$/, "", line); return line }
+            # Counts each trailing part of `path` ("a/b/c": "c", "b/c", "a/b/c").
+            function parts(path,   k, n, piece, tail) {
+                n = split(path, piece, "/"); tail = ""
+                for (k = n; k >= 1; k--) { tail = piece[k] (tail == "" ? "" : "/" tail); names[tail]++ }
+            }
+            # The trailing parts of `path` that name one thing, shortest first.
+            function unique(path,   k, n, piece, tail, found) {
+                n = split(path, piece, "/"); tail = ""; found = ""
+                for (k = n; k >= 1; k--) {
+                    tail = piece[k] (tail == "" ? "" : "/" tail)
+                    if (names[tail] == 1) found = found (found == "" ? "" : "\n") tail
+                }
+                return found
+            }
             /^    "path": /  { path = text($0) }
             /^    "block": / { block = text($0) }
             /^    "group": / { group = text($0) }
+            /^    "unit": /  { unit = text($0) }
             /^    "access": / {
-                if (want == "groups") {
-                    if (!seen[block]++) print block
-                    if (group != "" && !seen[block "/" group]++) print block "/" group
+                n++; P[n] = path; B[n] = block; U[n] = unit; R[n] = text($0) == "r"
+                G[n] = group == "" ? block : block "/" group
+                pin[G[n]] += block == "GPIO" && group != ""
+                if (!seen[path]++) parts(path)
+                if (!seen[G[n]]++) parts(G[n])
+                if (!seen[block]++ && block != G[n]) parts(block)
+            }
+            END {
+                for (i = 1; i <= n; i++) {
+                    if (want == "groups") {
+                        if (!shown[B[i]]++) print B[i]
+                        if (G[i] != B[i] && !shown[G[i]]++) print G[i]
+                    }
+                    if ((want == "settable" || want == "units") && R[i]) continue
+                    short = unique(P[i])
+                    # A pin is its level for get and set.
+                    if (want != "groups" && U[i] == "H/L" && pin[G[i]] == 2 && unique(G[i]) != "")
+                        short = unique(G[i]) "\n" short
+                    if (want == "units") {
+                        m = split(P[i] "\n" short, all, "\n")
+                        for (k = 1; k <= m; k++) if (all[k] != "") print all[k] "\t" U[i]
+                        continue
+                    }
+                    print P[i]
+                    if (want != "groups" && short != "") { split(short, first, "\n"); if (first[1] != P[i]) print first[1] }
                 }
-                if (want != "settable" || text($0) != "r") print path
             }'
+}
+
+# The words voractl takes for the settable item `name` (as typed), from
+# its unit's row in voractl's own table (voractl --words).
+_voractl_values() {
+    local name=$1 path unit words
+    [[ $name == [\"\']* ]] && name=${name:1} && name=${name%[\"\']}
+    name=${name//\\ / }
+    while IFS=$'\t' read -r path unit; do
+        [[ $path == "$name" ]] || continue
+        while read -r words; do
+            [[ ${words%% *} == "$unit" ]] && printf '%s\n' ${words#* }
+        done < <("${_voractl_line[0]}" --words 2>/dev/null)
+        return
+    done < <(_voractl_paths units)
 }
 
 # Reads what voractl --options says of each option of voractl (or, given a
@@ -136,6 +191,9 @@ _voractl() {
         _voractl_offer "$cur" < <(_voractl_paths groups)
     elif [[ $arguments == items ]]; then
         _voractl_offer "$cur" < <(_voractl_paths)
+    elif [[ $arguments == settable && -n $attached && $prev != -* ]]; then
+        # NAME=VALUE: bash hands over NAME, "=" and the value begun.
+        _voractl_offer "$cur" < <(_voractl_values "$prev")
     elif [[ $arguments == settable && $cur != *=* ]]; then
         # NAME=VALUE: the names of items that can be set; ITEM VALUE: the
         # item only, the first word after the command and its options.
@@ -152,6 +210,9 @@ _voractl() {
         done
         if [[ -z $previous || $previous == *=* ]]; then
             _voractl_offer "$cur" < <(_voractl_paths settable)
+        elif [[ $previous == "${_voractl_line[-1]}" ]]; then
+            # ITEM VALUE: the words the item takes.
+            _voractl_offer "$cur" < <(_voractl_values "$previous")
         fi
     fi
 } &&

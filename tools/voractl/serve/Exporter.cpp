@@ -154,9 +154,13 @@ std::string Exporter::library() {
     if (!library) {
         return "null";
     }
-    JsonPtr json = Own(json_pack("{s:s, s:s, s:s}", "name", library->name.c_str(), "generation",
+    // The board's name, for the page's title: null when none can be read.
+    const Item* board = BoardNameItem(session_.items());
+    const Reading name = board != nullptr ? session_.read(*board) : Reading{};
+    JsonPtr json = Own(json_pack("{s:s, s:s, s:s, s:O}", "name", library->name.c_str(), "generation",
                                  voradrv::host::GenerationText(library->generation).c_str(), "path",
-                                 library->path.c_str()));
+                                 library->path.c_str(), "board",
+                                 name.value ? name.value.get() : json_null()));
     return JsonText(json.get());
 }
 

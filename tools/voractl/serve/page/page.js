@@ -354,10 +354,7 @@ async function load() {
   state = { records, items: new Map(), charts: new Map(), blocks: [], started: null, last: 0,
             interval: state ? state.interval : 2, seen: Date.now(), failing: false,
             up: documentJson !== null };
-  const board = records.find((r) => r.block === "Platform Information" && r.name === "Board name") ||
-                records.find((r) => r.block === "Platform Information" && /name/i.test(r.name) &&
-                                    typeof r.value === "string");
-  const name = board ? board.value : "Board";
+  const name = library && typeof library.board === "string" && library.board ? library.board : "Board";
   document.getElementById("board").textContent = name;
   document.title = state.up ? name + " · VORADrv board" : "VORADrv board (the module is not up)";
   document.getElementById("library").textContent = !library
