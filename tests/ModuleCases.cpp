@@ -17,6 +17,7 @@
 
 #include "BoardLibraries.h"
 #include "Harness.h"
+#include "HeapUse.h"
 
 using namespace vtest;
 
@@ -306,6 +307,8 @@ private:
             json_object_foreach(json_object_get(step, "log_count"), prefix, count) {
                 EXPECT_EQ(json_integer_value(count), Count(log, prefix)) << where_ << " " << prefix;
             }
+        } else if (has("heap_flat")) {
+            heapFlat(step);
         } else if (has("board_library")) {
             const auto loaded = voradrv::host::LoadedBoardLibrary();
             EXPECT_EQ(Text(step, "board_library", "none"), loaded ? loaded->generation : "none")
@@ -339,6 +342,27 @@ private:
         const uint32_t status = printing(step, [&] { return Module().set(id, value.get()); });
         EXPECT_EQ(Hex(Status(step)), Hex(status)) << where_;
         expectLog(step);
+    }
+
+    // The steps of "heap_flat" once, to settle what lives as long as the
+    // process, then "times" more: the heap in use must not have grown. The
+    // simulator's call log is emptied after each round. Under memcheck,
+    // whose allocator answers no figures, Valgrind counts the leaks itself.
+    void heapFlat(const json_t* step) {
+        const auto round = [&] {
+            size_t i;
+            const json_t* inner;
+            json_array_foreach(json_object_get(step, "heap_flat"), i, inner) { this->step(inner); }
+            sim().takeLog();
+        };
+        round();
+        const size_t settled = HeapInUse();
+        for (json_int_t n = json_integer_value(json_object_get(step, "times")); n > 0; --n) {
+            round();
+        }
+        const size_t after = HeapInUse();
+        EXPECT_TRUE(after <= settled || UnderMemcheck())
+            << "the heap in use grew by " << after - settled << " bytes, " << where_;
     }
 
     // "calls": the library calls the step made, when given.
@@ -445,6 +469,9 @@ private:
 // none is named), or only the one named CASE. ctest runs each case by name,
 // in a process of its own.
 int main(int argc, char** argv) {
+    if (!UnderMemcheck()) {
+        ExactHeapFigures(argv);  // for the heap_flat steps
+    }
     ::testing::InitGoogleTest(&argc, argv);
     const std::string file = argc > 1 ? argv[1] : "";
     const std::string name = argc > 2 ? argv[2] : "";
