@@ -80,7 +80,7 @@ Exporter::~Exporter() {
     {
         std::lock_guard<std::mutex> lock(shared_);
         ending_ = true;
-        changed_.notify_all();
+        expiryWake_.notify_all();
     }
     expiry_.join();
 }
@@ -211,7 +211,14 @@ void Exporter::publish(const std::shared_ptr<const Exposition>& result, const st
 void Exporter::startReading() {
     reading_ = true;
     since_ = Clock::now();
+    expireBy(since_ + std::chrono::seconds(static_cast<int>(kLogAfterSeconds)));
     calls_.post([this] { read(); });
+}
+
+void Exporter::expireBy(Clock::time_point when) {
+    if (when < expiryAt_) {
+        expiryWake_.notify_all();
+    }
 }
 
 void Exporter::scrape(Clock::time_point arrived, Clock::time_point deadline, Scraped done) {
@@ -225,10 +232,10 @@ void Exporter::scrape(Clock::time_point arrived, Clock::time_point deadline, Scr
         return;
     }
     waiting_.push_back({arrived, std::min(deadline, stopBy_), std::move(done)});
+    expireBy(waiting_.back().deadline);
     if (!reading_ && !stopping_) {
         startReading();
     }
-    changed_.notify_all();
 }
 
 // Answers the scrapes whose deadline came before a reading did, with the
@@ -257,7 +264,9 @@ void Exporter::expire() {
         if (ending_) {
             return;
         }
-        changed_.wait_until(lock, next);
+        expiryAt_ = next;
+        expiryWake_.wait_until(lock, next);
+        expiryAt_ = Clock::time_point::min();
     }
 }
 
@@ -379,6 +388,7 @@ void Exporter::stop(Clock::time_point by) {
         waiting.deadline = std::min(waiting.deadline, by);
     }
     changed_.notify_all();
+    expireBy(by);
 }
 
 bool Exporter::close(Clock::time_point deadline) {

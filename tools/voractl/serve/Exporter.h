@@ -97,6 +97,9 @@ private:
     std::vector<Reading> readItems();
     std::string ownMetrics(bool up, double took);
     void expire();  // the thread that answers scrapes at their deadline
+    // Under shared_: wakes the expiry thread when it sleeps past `when`, so
+    // that a scrape or reading it need not look at costs it no wake-up.
+    void expireBy(Clock::time_point when);
     // Under shared_: the scrapes whose deadline came, and the next deadline.
     std::vector<Waiting> takeDue(Clock::time_point now, Clock::time_point& next);
     // Answers them without a reading, with shared_ let go meanwhile.
@@ -107,7 +110,10 @@ private:
     CallThread calls_;
 
     std::mutex shared_;  // guards what follows
-    std::condition_variable changed_;  // a reading ended, a deadline came nearer, or stopping
+    std::condition_variable changed_;  // a reading ended, or stopping
+    std::condition_variable expiryWake_;  // the expiry thread's: a deadline came nearer, or ending
+    // When the expiry thread looks next; min while it is looking.
+    Clock::time_point expiryAt_ = Clock::time_point::min();
     bool reading_ = false;
     bool opening_ = false;
     bool opened_ = false;
