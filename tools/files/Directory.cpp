@@ -33,7 +33,7 @@ std::string RuntimeDirectory(const std::string& name) {
             CheckPrivate(runtime);
             return runtime;
         } catch (const FileError&) {
-            // as the XDG base directory specification asks: use another
+            // not ours or not private: as XDG base directories are meant to be used, take another
         }
     }
     const std::string dir = "/tmp/" + name + "-" + std::to_string(geteuid());
