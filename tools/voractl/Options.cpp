@@ -7,6 +7,7 @@
 
 #include "Format.h"
 #include "Kinds.h"
+#include "Width.h"
 #include "ToolError.h"
 
 namespace voractl {
@@ -35,21 +36,17 @@ constexpr size_t kWidth = 79;
 // `words` in lines of at most `width` characters, each but the first after
 // `indent` blanks; a word longer than a line has one of its own.
 std::string Filled(const std::vector<std::string>& words, size_t width, size_t indent) {
+    std::vector<std::string> lines = Wrapped(std::string(indent, ' '), words, width + indent);
+    lines.front().erase(0, indent);
     std::string out;
-    size_t column = 0;
-    for (const std::string& word : words) {
-        if (column > 0 && column + 1 + word.size() > width) {
-            out += "\n" + std::string(indent, ' ');
-            column = 0;
-        }
-        out += (column > 0 ? " " : "") + word;
-        column += (column > 0 ? 1 : 0) + word.size();
+    for (const std::string& line : lines) {
+        out += (out.empty() ? "" : "\n") + line;
     }
     return out + "\n";
 }
 
-// `text`, paragraphs with "\n\n" between them, filled as Filled does.
-std::string Wrapped(const std::string& text, size_t width, size_t indent) {
+// `text`, paragraphs with "\n\n" between them, each filled as Filled does.
+std::string Paragraphs(const std::string& text, size_t width, size_t indent) {
     std::string out;
     size_t at = 0;
     while (at < text.size()) {
@@ -73,7 +70,7 @@ std::string Columns(const std::string& first, size_t width, const std::string& t
     std::string out = "  " + first;
     out += first.size() + 2 <= width ? std::string(width - first.size(), ' ')
                                      : "\n" + std::string(width + 2, ' ');
-    return out + Wrapped(text, kWidth - width - 2, width + 2);
+    return out + Paragraphs(text, kWidth - width - 2, width + 2);
 }
 
 std::string OptionLines(const std::vector<OptionUse>& options) {
@@ -299,7 +296,7 @@ void ParseCommand(Options& options, int i, int argc, char** argv) {
 
 std::string UsageText(const CommandLine& table) {
     std::string text = "Usage: voractl [OPTIONS] COMMAND [ARGS]\n\n" +
-                       Wrapped(table.usageHead, kWidth, 0) + "\nCommands:\n";
+                       Paragraphs(table.usageHead, kWidth, 0) + "\nCommands:\n";
     for (const CommandSpec& command : table.commands) {
         const std::vector<std::vector<std::string>> lines = Synopsis(command);
         for (size_t i = 0; i < lines.size(); ++i) {
@@ -314,8 +311,8 @@ std::string UsageText(const CommandLine& table) {
             }
         }
     }
-    return text + "\n" + Wrapped(table.afterCommands, kWidth, 0) + "\nOptions:\n" +
-           OptionLines(table.options) + "\n" + Wrapped(table.usageTail, kWidth, 0);
+    return text + "\n" + Paragraphs(table.afterCommands, kWidth, 0) + "\nOptions:\n" +
+           OptionLines(table.options) + "\n" + Paragraphs(table.usageTail, kWidth, 0);
 }
 
 std::string HelpText(const CommandSpec& command) {
@@ -326,11 +323,11 @@ std::string HelpText(const CommandSpec& command) {
                                  std::string("voractl [OPTIONS] ") + command.name;
         text += head + (words.empty() ? "\n" : " " + Filled(words, kWidth - head.size() - 1, head.size() + 1));
     }
-    text += "\n" + Wrapped(command.description, kWidth, 0);
+    text += "\n" + Paragraphs(command.description, kWidth, 0);
     if (!command.options.empty()) {
         text += "\n" + OptionLines(command.options);
     }
-    return command.notes != nullptr ? text + "\n" + Wrapped(command.notes, kWidth, 0) : text;
+    return command.notes != nullptr ? text + "\n" + Paragraphs(command.notes, kWidth, 0) : text;
 }
 
 Options ParseOptions(int argc, char** argv, const CommandLine& table) {

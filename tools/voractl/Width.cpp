@@ -68,23 +68,30 @@ std::string Shortened(const std::string& text, size_t width) {
     return text.substr(0, end) + "…";
 }
 
-std::vector<std::string> Wrapped(const std::string& label, const std::string& text, size_t width) {
+std::vector<std::string> Wrapped(const std::string& label, const std::vector<std::string>& words, size_t width) {
     const std::string hang(DisplayWidth(label), ' ');
     std::vector<std::string> lines{label};
     bool empty = true;  // no word on the line yet
-    size_t start = 0;
-    while (start < text.size()) {
-        const size_t blank = std::min(text.find(' ', start), text.size());
-        const std::string word = text.substr(start, blank - start);
+    for (const std::string& word : words) {
         if (!empty && DisplayWidth(lines.back()) + 1 + DisplayWidth(word) > width) {
             lines.push_back(hang);
             empty = true;
         }
         lines.back() += (empty ? "" : " ") + word;
         empty = false;
-        start = blank + 1;
     }
     return lines;
+}
+
+std::vector<std::string> Wrapped(const std::string& label, const std::string& text, size_t width) {
+    std::vector<std::string> words;
+    size_t start = 0;
+    while (start < text.size()) {
+        const size_t blank = std::min(text.find(' ', start), text.size());
+        words.push_back(text.substr(start, blank - start));
+        start = blank + 1;
+    }
+    return Wrapped(label, words, width);
 }
 
 }  // namespace voractl

@@ -24,5 +24,7 @@ std::string Shortened(const std::string& text, size_t width);
 // characters; further lines start under the text. A word longer than a line
 // is kept whole, never cut: it runs past the width on a line of its own.
 std::vector<std::string> Wrapped(const std::string& label, const std::string& text, size_t width);
+// The same with the words given: a word may hold blanks ("--timeout S").
+std::vector<std::string> Wrapped(const std::string& label, const std::vector<std::string>& words, size_t width);
 
 }  // namespace voractl
