@@ -243,18 +243,21 @@ void Exporter::scrape(Clock::time_point arrived, Clock::time_point deadline, Scr
 // reading that takes long, once. Ends when the exporter is destroyed.
 void Exporter::expire() {
     std::unique_lock<std::mutex> lock(shared_);
-    bool logged = false;
+    // The reading logged as long, by the count of readings ended before it:
+    // this thread is not woken when a reading ends, so a flag would carry
+    // over to the next one.
+    unsigned long long logged = ~0ULL;
     for (;;) {
         const Clock::time_point now = Clock::now();
         Clock::time_point next = Clock::time_point::max();
         std::vector<Waiting> due = takeDue(now, next);
         const double underWay = reading_ ? SecondsOf(now - since_) : 0;
-        logged = logged && reading_;
-        if (underWay >= kLogAfterSeconds && !logged) {
-            logged = true;
+        const bool told = reading_ && logged == readings_;
+        if (underWay >= kLogAfterSeconds && !told) {
+            logged = readings_;
             std::fprintf(stderr, "voractl: the board has not answered a reading for %.0f s; scrapes "
                                  "are answered with voradrv_up 0 until it does\n", underWay);
-        } else if (reading_ && !logged) {
+        } else if (reading_ && !told) {
             next = std::min(next, since_ + std::chrono::seconds(static_cast<int>(kLogAfterSeconds)));
         }
         if (!due.empty()) {
